@@ -1,0 +1,112 @@
+#include <dirent.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/syscall.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+
+#include "platform/linux/statm.h"
+#include "platform/linux/text_file.h"
+#include "platform/platform.h"
+
+namespace kestrel::platform {
+
+// The handle is an open /proc/<pid>/statm: it stays with that very process (reading it fails with
+// ESRCH once the process has been reaped, whoever has its pid then), it serves the resident bytes
+// as it is, and opening it asks for whatever permission the "/proc" mount demands.
+
+namespace {
+
+constexpr std::uint64_t kTimeUnitsPerSecond = 10'000'000;  // of 100 ns
+constexpr std::uint64_t kNanosecondsPerTimeUnit = 100;
+
+// "/proc" opens by the id of any thread, but only a process is a thread group of its own id.
+// Signal 0 only asks; EPERM says that it is there, of another user.
+bool IsProcess(int pid) noexcept { return syscall(SYS_tgkill, pid, pid, 0) == 0 || errno == EPERM; }
+
+std::optional<std::uint64_t> ReadResidentPages(int statm) noexcept {
+  std::array<char, 160> buffer;  // seven numbers of at most 20 digits
+  const auto text = ReadFromStart(statm, buffer.data(), buffer.size());
+  return text ? ParseResidentPages(*text) : std::nullopt;
+}
+
+std::uint64_t ResidentPagesOfThread(int tasks, const char* thread) noexcept {
+  std::array<char, 32> path;
+  std::snprintf(path.data(), path.size(), "%.20s/statm", thread);
+  const FileDescriptor statm(tasks, path.data());
+  return statm.is_open() ? ReadResidentPages(statm.get()).value_or(0) : 0;
+}
+
+// A process whose first thread has ended reads as zeros though its other threads hold its memory:
+// the first thread that still has it tells. All zeros: a zombie or a kernel thread, which has none.
+std::uint64_t ResidentPagesOfThreads(int pid) noexcept {
+  std::array<char, 32> path;
+  std::snprintf(path.data(), path.size(), "/proc/%d/task", pid);
+  const FileDescriptor tasks(AT_FDCWD, path.data());
+  if (!tasks.is_open()) {
+    return 0;
+  }
+  alignas(dirent64) std::array<char, 1024> entries;
+  ssize_t size = 0;
+  while ((size = getdents64(tasks.get(), entries.data(), entries.size())) > 0) {
+    for (ssize_t offset = 0; offset < size;) {
+      const auto* entry = reinterpret_cast<const dirent64*>(entries.data() + offset);
+      offset += entry->d_reclen;
+      const std::uint64_t pages =
+          entry->d_name[0] == '.' ? 0 : ResidentPagesOfThread(tasks.get(), entry->d_name);
+      if (pages != 0) {
+        return pages;
+      }
+    }
+  }
+  return 0;
+}
+
+}  // namespace
+
+std::optional<Process> Process::Open(int pid, ProcessRights /*rights*/) noexcept {
+  std::array<char, 32> path;
+  std::snprintf(path.data(), path.size(), "/proc/%d/statm", pid);
+  FileDescriptor statm(AT_FDCWD, path.data());
+  if (!statm.is_open() || !IsProcess(pid)) {
+    return std::nullopt;
+  }
+  return Process(pid, statm.release());
+}
+
+void Process::Close(std::intptr_t handle) noexcept { close(static_cast<int>(handle)); }
+
+// The process CPU clock is finer than the ticks of /proc/<pid>/stat, but goes by pid. That the
+// process is still there after the clock was read shows that the pid was still its own.
+std::optional<ProcessTimes> Process::Times() const noexcept {
+  clockid_t clock{};
+  timespec used{};
+  if (clock_getcpuclockid(pid_, &clock) != 0 || clock_gettime(clock, &used) != 0 ||
+      !ReadResidentPages(static_cast<int>(handle_))) {
+    return std::nullopt;
+  }
+  return ProcessTimes{0, static_cast<std::uint64_t>(used.tv_sec) * kTimeUnitsPerSecond +
+                             static_cast<std::uint64_t>(used.tv_nsec) / kNanosecondsPerTimeUnit};
+}
+
+std::optional<std::uint64_t> Process::ResidentBytes() const noexcept {
+  const int statm = static_cast<int>(handle_);
+  auto pages = ReadResidentPages(statm);
+  if (pages && *pages == 0) {
+    pages = ResidentPagesOfThreads(pid_);
+    // The threads went by pid: they were this process's only if it is still there.
+    if (!ReadResidentPages(statm)) {
+      return std::nullopt;
+    }
+  }
+  if (!pages) {
+    return std::nullopt;
+  }
+  return *pages * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+}
+
+}  // namespace kestrel::platform

@@ -1,0 +1,15 @@
+#include "platform/linux/statm.h"
+
+#include "platform/linux/text_file.h"
+
+namespace kestrel::platform {
+
+std::optional<std::uint64_t> ParseResidentPages(std::string_view statm) noexcept {
+  if (!TakeNumber(statm) || statm.empty() || statm.front() != ' ') {
+    return std::nullopt;
+  }
+  statm.remove_prefix(1);
+  return TakeNumber(statm);
+}
+
+}  // namespace kestrel::platform

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <kestrelcore_export.h>
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+
+namespace kestrel::system {
+
+/// Where a GPU sits. The numbers cross the library boundary and never change.
+enum class GpuIntegrationType : std::int32_t {
+  Unknown = 0,
+  Integrated = 1,  ///< Part of the processor package; shares the system's memory.
+  Discrete = 2,    ///< A device of its own.
+};
+
+/// The software platform through which a GPU was found. Surveys here assign `ROCm` alone; the
+/// others are there so that a host can describe GPUs that it found by other means.
+enum class GpuSoftwarePlatform : std::int32_t {
+  Unknown = 0,
+  ROCm = 1,
+  Cuda = 2,
+  OpenCl = 3,
+  Metal = 4,
+  DirectML = 5,
+  Vulkan = 6,
+};
+
+/// One graphics processor. A plain value: a copy shares nothing with its source.
+struct GpuInfo {
+  std::string name;                   ///< As the detection platform reports it.
+  std::int32_t deviceId = -1;         ///< Ordinal within the detection platform; -1: none assigned.
+  std::uint64_t totalMemory = 0;      ///< Bytes.
+  std::uint64_t dedicatedMemory = 0;  ///< Bytes. No survey here fills it.
+  GpuIntegrationType integrationType = GpuIntegrationType::Unknown;
+  GpuSoftwarePlatform detectionPlatform = GpuSoftwarePlatform::Unknown;
+  std::string detectionPlatformVersion;  ///< The HIP survey leaves it empty.
+  /// Further properties by name. The HIP survey stores one: "gcnArchName".
+  std::unordered_map<std::string, std::string> otherInfo;
+
+  KESTRELCORE_EXPORT GpuInfo();
+  KESTRELCORE_EXPORT GpuInfo(const GpuInfo& other);
+  KESTRELCORE_EXPORT GpuInfo(GpuInfo&& other) noexcept;
+  KESTRELCORE_EXPORT GpuInfo& operator=(const GpuInfo& other);
+  KESTRELCORE_EXPORT GpuInfo& operator=(GpuInfo&& other) noexcept;
+  KESTRELCORE_EXPORT ~GpuInfo();
+};
+
+/// "Integrated" or "Discrete"; "Unknown" for every other value. Pure.
+[[nodiscard]] KESTRELCORE_EXPORT std::string GpuIntegrationTypeToStr(GpuIntegrationType type);
+
+/// "ROCm", "Cuda", "OpenCl", "Metal", "DirectML" or "Vulkan" (these spellings are part of the
+/// interface); "Unknown" for every other value. Pure.
+[[nodiscard]] KESTRELCORE_EXPORT std::string GpuSoftwarePlatformToStr(GpuSoftwarePlatform platform);
+
+}  // namespace kestrel::system

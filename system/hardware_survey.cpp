@@ -1,0 +1,41 @@
+#include "system/hardware_survey.h"
+
+namespace kestrel::system {
+
+namespace {
+
+// The surveys promise this already; a host that forgets to look at the status is worth a second
+// guard.
+template <typename Data>
+std::pair<Result, Data> WithoutDataOnFailure(std::pair<Result, Data> survey) {
+  if (survey.first.code != ResultCode::Success) {
+    survey.second = Data{};
+  }
+  return survey;
+}
+
+}  // namespace
+
+HardwareSurveyResult::HardwareSurveyResult() = default;
+HardwareSurveyResult::HardwareSurveyResult(const HardwareSurveyResult& other) = default;
+HardwareSurveyResult::HardwareSurveyResult(HardwareSurveyResult&& other) noexcept = default;
+HardwareSurveyResult& HardwareSurveyResult::operator=(const HardwareSurveyResult& other) = default;
+HardwareSurveyResult::~HardwareSurveyResult() = default;
+
+// Written out because a vector that is moved onto itself loses its elements.
+HardwareSurveyResult& HardwareSurveyResult::operator=(HardwareSurveyResult&& other) noexcept {
+  if (this != &other) {
+    gpuSurvey = std::move(other.gpuSurvey);
+    cpuSurvey = std::move(other.cpuSurvey);
+  }
+  return *this;
+}
+
+HardwareSurveyResult SurveyHardware() {
+  HardwareSurveyResult survey;
+  survey.gpuSurvey = WithoutDataOnFailure(SurveyGpus());
+  survey.cpuSurvey = WithoutDataOnFailure(SurveyCpu());
+  return survey;
+}
+
+}  // namespace kestrel::system

@@ -1,0 +1,68 @@
+#include "utils/memory_observer.h"
+
+#include <cstdint>
+
+#include "platform/platform.h"
+#include "utils/diagnostic_line.h"
+#include "utils/vram_rocm.h"
+
+namespace kestrel_utils {
+
+namespace platform = kestrel::platform;
+
+const int MemoryObserver::kRamMeterErrorCode = -1;
+
+// Without data there is nothing to assign; the operators exist because hosts link to them.
+MemoryObserver& MemoryObserver::operator=(const MemoryObserver&) noexcept { return *this; }
+MemoryObserver& MemoryObserver::operator=(MemoryObserver&&) noexcept { return *this; }
+
+long long MemoryObserver::getMachinePhysicalRAM() noexcept {
+  return static_cast<long long>(platform::QueryTotalPhysicalMemory().value_or(0));
+}
+
+long long MemoryObserver::getAvailableRAM() const noexcept {
+  const auto status = platform::QueryMemoryStatus().value_or(platform::MemoryStatus{});
+  return static_cast<long long>(status.available_physical);
+}
+
+long long MemoryObserver::getUsedRAM() const noexcept {
+  const auto status = platform::QueryMemoryStatus().value_or(platform::MemoryStatus{});
+  return static_cast<long long>(status.total_physical - status.available_physical);
+}
+
+long long MemoryObserver::getProcessUsedRAM(int pid) noexcept {
+  if (pid < 1) {
+    (DiagnosticLine{} << "Failed to get used RAM for PID '" << pid
+                      << "' since PID must be positive!")
+        .EndLine();
+    return kRamMeterErrorCode;
+  }
+  const auto process = platform::Process::Open(pid, platform::ProcessRights::kMemory);
+  if (!process) {
+    (DiagnosticLine{} << "Failed to open process with PID " << pid).EndLine();
+    return kRamMeterErrorCode;
+  }
+  const auto resident = process->ResidentBytes();
+  return resident ? static_cast<long long>(*resident) : kRamMeterErrorCode;
+}
+
+long long MemoryObserver::getMachinePhysicalVRAM() noexcept {
+  return getMachinePhysicalVRAM_ROCm(/*allDevices=*/true);
+}
+
+long long MemoryObserver::getAvailableVRAM() const noexcept {
+  return getAvailableVRAM_ROCm(/*allDevices=*/false);
+}
+
+bool MemoryObserver::willFailToAllocate(long long bytes) const noexcept {
+  const auto status = platform::QueryMemoryStatus();
+  if (!status) {
+    (DiagnosticLine{} << "Failed to get global memory status.").EndLine();
+    return false;
+  }
+  const auto wanted = static_cast<std::uint64_t>(bytes);
+  return wanted > status->available_physical &&
+         wanted - status->available_physical > status->committable;
+}
+
+}  // namespace kestrel_utils
