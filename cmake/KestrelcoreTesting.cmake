@@ -1,0 +1,34 @@
+# GoogleTest, and the functions that add tests.
+
+# Built from source, with this build's compiler and flags: the sanitizers and the cross compiler
+# need that.
+set(KESTRELCORE_GOOGLETEST_DIR "/usr/src/googletest" CACHE PATH "The sources of GoogleTest")
+if(NOT EXISTS "${KESTRELCORE_GOOGLETEST_DIR}/CMakeLists.txt")
+  message(FATAL_ERROR "The tests need the sources of GoogleTest. On Debian and Ubuntu install the "
+                      "package googletest, or set KESTRELCORE_GOOGLETEST_DIR.")
+endif()
+set(INSTALL_GTEST OFF)
+add_subdirectory("${KESTRELCORE_GOOGLETEST_DIR}" "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL
+                 SYSTEM)
+
+# What test sources compile with. They link the library's objects, so nothing is imported.
+add_library(kestrelcore_test_common INTERFACE)
+target_compile_definitions(kestrelcore_test_common INTERFACE KESTRELCORE_STATIC_DEFINE)
+target_link_libraries(kestrelcore_test_common INTERFACE kestrelcore_common HIP::headers gtest)
+
+# One program, one ctest test a test case.
+function(kestrelcore_add_test name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE kestrelcore_test_common gtest_main ${arg_LIBRARIES})
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
+                       PROPERTIES TIMEOUT 120)
+endfunction()
+
+# A suite over the portable logic, the fake operating system and the simulated GPUs; named after
+# its source file.
+function(kestrelcore_add_unit_test source)
+  cmake_path(GET source STEM name)
+  kestrelcore_add_test(${name} SOURCES ${source} LIBRARIES kestrelcore_logic kestrelcore_fakes
+                       kestrel_simulator_core)
+endfunction()
