@@ -3,52 +3,20 @@
 #include <utils/memory_observer.h>
 #include <windows.h>
 
-#include <algorithm>
-#include <cstddef>
 #include <iostream>
-#include <memory>
 #include <streambuf>
+
+#include "tests/platform/host_process.h"
 
 // The shared library as a host has it, over the real system.
 
 namespace {
 
+using kestrel::tests::OpenHandleCount;
+using kestrel::tests::OwnPid;
 using kestrel_utils::MemoryObserver;
 
 constexpr int kCalls = 100'000;
-
-// What NtQuerySystemInformation tells for SystemExtendedHandleInformation, which winternl.h leaves
-// out: every handle of the system with its owner. GetProcessHandleCount is always 0 under Wine.
-constexpr ULONG kSystemExtendedHandleInformation = 64;
-using QuerySystemInformation = LONG(WINAPI*)(ULONG what, void* buffer, ULONG size, ULONG* needed);
-
-struct HandleEntry {
-  void* object;
-  ULONG_PTR pid;
-  ULONG_PTR handle;
-  ULONG access;
-  USHORT trace_index;
-  USHORT type;
-  ULONG attributes;
-  ULONG reserved;
-};
-
-struct HandleList {
-  ULONG_PTR count;
-  ULONG_PTR reserved;
-  HandleEntry entries[65536];
-};
-
-std::ptrdiff_t OpenHandles() {
-  const auto list = std::make_unique<HandleList>();
-  const auto query = reinterpret_cast<QuerySystemInformation>(reinterpret_cast<void*>(
-      GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
-  EXPECT_EQ(query(kSystemExtendedHandleInformation, list.get(), sizeof(*list), nullptr), 0);
-  return std::count_if(list->entries, list->entries + list->count,
-                       [](const HandleEntry& entry) { return entry.pid == GetCurrentProcessId(); });
-}
-
-int OwnPid() { return static_cast<int>(GetCurrentProcessId()); }
 
 // Takes every character and keeps none.
 class Discard : public std::streambuf {
@@ -59,19 +27,19 @@ class Discard : public std::streambuf {
 template <typename Call>
 void ExpectNoHandleLeft(Call call) {
   call();  // The first call may open what the process then keeps, such as a console.
-  const std::ptrdiff_t before = OpenHandles();
+  const int before = OpenHandleCount();
   for (int i = 0; i < kCalls; ++i) {
     call();
   }
-  EXPECT_EQ(OpenHandles(), before);
+  EXPECT_EQ(OpenHandleCount(), before);
 }
 
 TEST(HandleCount, SeesAHandleThatIsLeftOpen) {
-  const std::ptrdiff_t before = OpenHandles();
+  const int before = OpenHandleCount();
   const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-  EXPECT_EQ(OpenHandles(), before + 1);
+  EXPECT_EQ(OpenHandleCount(), before + 1);
   CloseHandle(event);
-  EXPECT_EQ(OpenHandles(), before);
+  EXPECT_EQ(OpenHandleCount(), before);
 }
 
 TEST(HandleCount, CpuUsage) {

@@ -1,4 +1,4 @@
-#include "tests/windows/win32_recorder.h"
+#include "tests/platform/windows/win32_recorder.h"
 
 // psapi.h needs windows.h before it.
 #include <psapi.h>

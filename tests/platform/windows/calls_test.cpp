@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/platform.h"
-#include "tests/windows/win32_recorder.h"
+#include "tests/platform/windows/win32_recorder.h"
 #include "utils/cpu_usage.h"
 #include "utils/memory_observer.h"
 
