@@ -13,8 +13,8 @@ namespace platform = kestrel::platform;
 const int MemoryObserver::kRamMeterErrorCode = -1;
 
 // Out of line because hosts link to them.
-MemoryObserver& MemoryObserver::operator=(const MemoryObserver& other) noexcept = default;
-MemoryObserver& MemoryObserver::operator=(MemoryObserver&& other) noexcept = default;
+MemoryObserver& MemoryObserver::operator=(const MemoryObserver&) noexcept = default;
+MemoryObserver& MemoryObserver::operator=(MemoryObserver&&) noexcept = default;
 
 // Which members are static is part of the interface.
 // NOLINTBEGIN(readability-convert-member-functions-to-static)
