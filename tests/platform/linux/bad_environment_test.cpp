@@ -1,0 +1,143 @@
+// The meters where Linux denies them what they need: their result, their message, nothing leaked.
+
+#include <grp.h>
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <functional>
+#include <iostream>
+#include <limits>
+#include <stdexcept>
+#include <string>
+
+#include "tests/platform/linux/child_process.h"
+#include "utils/cpu_usage.h"
+#include "utils/memory_observer.h"
+
+namespace kestrel_utils {
+namespace {
+
+using kestrel::tests::ChildProcess;
+using kestrel::tests::Outcome;
+using kestrel::tests::RunApart;
+using kestrel::tests::RunInOwnNamespaces;
+
+void Require(bool holds, const char* what) {
+  if (!holds) {
+    throw std::runtime_error(what);
+  }
+}
+
+void RequireNoProcessMeters(int pid) {
+  Require(GetCpuUsage(pid, 60'000) == -1.0F, "CPU usage was measured");  // and did not sleep
+  Require(MemoryObserver::getProcessUsedRAM(pid) == -1, "process memory was measured");
+}
+
+std::string OpenFailures(int pid) {
+  const std::string line = "Failed to open process with PID " + std::to_string(pid) + "\n";
+  return line + line;
+}
+
+TEST(BadEnvironmentTest, WithoutProcNothingButTheTotalIsKnown) {
+  const Outcome outcome = RunInOwnNamespaces([] {
+    Require(mount("none", "/proc", "tmpfs", 0, nullptr) == 0, "mount");
+    RequireNoProcessMeters(1);
+    const MemoryObserver observer;
+    Require(observer.getAvailableRAM() == 0, "available RAM was told");
+    Require(observer.getUsedRAM() == 0, "used RAM was told");
+    Require(MemoryObserver::getMachinePhysicalRAM() > 0, "physical RAM was not told");
+    Require(!observer.willFailToAllocate(-1), "a failure was predicted");
+  });
+  EXPECT_TRUE(outcome.ran);
+  EXPECT_EQ(outcome.diagnostics, OpenFailures(1) + "Failed to get global memory status.\n");
+}
+
+// As a child of process 1 that belongs to nobody. Groups go too: root's sees hidden processes.
+void RunAsNobody(const std::function<void()>& body) {
+  const Outcome outcome = RunApart([&body] {
+    Require(setgroups(0, nullptr) == 0, "setgroups");
+    Require(setresgid(65534, 65534, 65534) == 0, "setresgid");
+    Require(setresuid(65534, 65534, 65534) == 0, "setresuid");
+    body();
+  });
+  std::cerr << outcome.diagnostics;
+  Require(outcome.ran, "it did not run to its end");
+}
+
+class OtherUserTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (geteuid() != 0) {
+      GTEST_SKIP() << "needs root, to have a process of another user";
+    }
+  }
+};
+
+TEST_F(OtherUserTest, HiddenProcessesCannotBeOpened) {
+  for (const char* const hidepid : {"hidepid=1", "hidepid=2"}) {
+    SCOPED_TRACE(hidepid);
+    const Outcome outcome = RunInOwnNamespaces([hidepid] {
+      Require(mount("proc", "/proc", "proc", 0, hidepid) == 0, "mount");
+      RunAsNobody([] { RequireNoProcessMeters(1); });
+    });
+    EXPECT_TRUE(outcome.ran);
+    EXPECT_EQ(outcome.diagnostics, OpenFailures(1));
+  }
+}
+
+TEST_F(OtherUserTest, WhereNothingIsHiddenItsProcessesAreMeasured) {
+  const Outcome outcome = RunInOwnNamespaces([] {
+    RunAsNobody([] {
+      Require(GetCpuUsage(1, 0) >= 0.0F, "CPU usage was not measured");
+      Require(MemoryObserver::getProcessUsedRAM(1) > 0, "process memory was not measured");
+    });
+  });
+  EXPECT_TRUE(outcome.ran);
+  EXPECT_EQ(outcome.diagnostics, "");
+}
+
+TEST(BadEnvironmentTest, WithoutFileDescriptorsLeft) {
+  const Outcome outcome = RunApart([] {
+    const rlimit none{0, 0};
+    Require(setrlimit(RLIMIT_NOFILE, &none) == 0, "setrlimit");
+    RequireNoProcessMeters(getpid());
+    const MemoryObserver observer;
+    Require(observer.getAvailableRAM() == 0, "available RAM was told");
+    Require(observer.getUsedRAM() == 0, "used RAM was told");
+    Require(MemoryObserver::getMachinePhysicalRAM() > 0, "physical RAM was not told");
+    Require(!observer.willFailToAllocate(-1), "a failure was predicted");
+  });
+  EXPECT_TRUE(outcome.ran);
+  const std::string opened = "Failed to open process with PID ";
+  EXPECT_EQ(outcome.diagnostics.rfind(opened, 0), 0U) << outcome.diagnostics;
+  EXPECT_NE(outcome.diagnostics.find("\nFailed to get global memory status.\n"), std::string::npos);
+}
+
+TEST(BadEnvironmentTest, ADeadPidIsReported) {
+  ChildProcess child([] {});
+  child.KillAndReap();
+  const int pid = child.pid();
+  const Outcome outcome = RunApart([pid] { RequireNoProcessMeters(pid); });
+  EXPECT_TRUE(outcome.ran);
+  EXPECT_EQ(outcome.diagnostics, OpenFailures(pid));
+}
+
+TEST(BadEnvironmentTest, AHugePidIsReported) {
+  const int pid = std::numeric_limits<int>::max();
+  const Outcome outcome = RunApart([pid] { RequireNoProcessMeters(pid); });
+  EXPECT_TRUE(outcome.ran);
+  EXPECT_EQ(outcome.diagnostics, OpenFailures(pid));
+}
+
+TEST(BadEnvironmentTest, AClosedStandardErrorChangesNoResult) {
+  const Outcome outcome = RunApart([] {
+    close(STDERR_FILENO);
+    RequireNoProcessMeters(std::numeric_limits<int>::max());
+  });
+  EXPECT_TRUE(outcome.ran);
+}
+
+}  // namespace
+}  // namespace kestrel_utils

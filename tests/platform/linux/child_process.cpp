@@ -1,0 +1,134 @@
+#include "tests/platform/linux/child_process.h"
+
+#include <sched.h>
+#include <signal.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <system_error>
+
+namespace kestrel::tests {
+
+namespace {
+
+void Check(bool succeeded, const char* what) {
+  if (!succeeded) {
+    throw std::system_error(errno, std::generic_category(), what);
+  }
+}
+
+// Runs `body` and ends this process without the clean-up of the test program that it stems from.
+[[noreturn]] void RunAndExit(const std::function<void()>& body) {
+  try {
+    body();
+  } catch (const std::exception& error) {
+    std::cerr << error.what() << std::endl;
+    _exit(1);
+  }
+  _exit(0);
+}
+
+int AwaitStatus(pid_t pid) {
+  int status = 0;
+  while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+  }
+  return status;
+}
+
+std::string ReadToEnd(int descriptor) {
+  std::string text;
+  std::array<char, 4096> buffer;
+  ssize_t count = 0;
+  while ((count = read(descriptor, buffer.data(), buffer.size())) > 0) {
+    text.append(buffer.data(), static_cast<std::size_t>(count));
+  }
+  return text;
+}
+
+void WriteFile(const char* path, const std::string& text) {
+  std::ofstream file(path);
+  file << text << std::flush;
+  Check(file.good(), path);
+}
+
+// Root has leave for its own namespaces; anybody else first becomes root of a user namespace.
+void EnterNamespaces() {
+  const uid_t user = geteuid();
+  const gid_t group = getegid();
+  if (unshare(CLONE_NEWPID | CLONE_NEWNS) != 0) {
+    Check(unshare(CLONE_NEWUSER | CLONE_NEWPID | CLONE_NEWNS) == 0, "unshare");
+    WriteFile("/proc/self/setgroups", "deny");
+    WriteFile("/proc/self/uid_map", "0 " + std::to_string(user) + " 1");
+    WriteFile("/proc/self/gid_map", "0 " + std::to_string(group) + " 1");
+  }
+  // What is mounted over "/proc" from here on stays in this namespace.
+  Check(mount(nullptr, "/proc", nullptr, MS_PRIVATE, nullptr) == 0, "mount private");
+}
+
+}  // namespace
+
+ChildProcess::ChildProcess(const std::function<void()>& body) : pid_(fork()) {
+  Check(pid_ >= 0, "fork");
+  if (pid_ == 0) {
+    RunAndExit(body);
+  }
+}
+
+void ChildProcess::AwaitZombie() const {
+  const std::string path = "/proc/" + std::to_string(pid_) + "/stat";
+  std::string text;
+  do {
+    std::ifstream stat(path);
+    std::getline(stat, text);
+  } while (text.find(") Z ") == std::string::npos);
+}
+
+void ChildProcess::KillAndReap() {
+  if (!reaped_) {
+    kill(pid_, SIGKILL);
+    AwaitStatus(pid_);
+    reaped_ = true;
+  }
+}
+
+Outcome RunApart(const std::function<void()>& body) {
+  std::array<int, 2> ends{};
+  Check(pipe(ends.data()) == 0, "pipe");
+  const pid_t pid = fork();
+  Check(pid >= 0, "fork");
+  if (pid == 0) {
+    dup2(ends[1], STDERR_FILENO);
+    close(ends[0]);
+    close(ends[1]);
+    RunAndExit(body);
+  }
+  close(ends[1]);
+  Outcome outcome;
+  outcome.diagnostics = ReadToEnd(ends[0]);
+  close(ends[0]);
+  outcome.ran = AwaitStatus(pid) == 0;
+  return outcome;
+}
+
+Outcome RunInOwnNamespaces(const std::function<void()>& body) {
+  return RunApart([&body] {
+    EnterNamespaces();
+    const pid_t init = fork();  // the first child is process 1
+    Check(init >= 0, "fork");
+    if (init == 0) {
+      RunAndExit([&body] {
+        Check(mount("proc", "/proc", "proc", 0, nullptr) == 0, "mount /proc");
+        body();
+      });
+    }
+    Check(AwaitStatus(init) == 0, "the body");
+  });
+}
+
+}  // namespace kestrel::tests

@@ -1,0 +1,186 @@
+// Processes of every kind that Linux has, seen through the seam's native layer.
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "platform/platform.h"
+#include "tests/platform/linux/child_process.h"
+
+namespace kestrel::platform {
+namespace {
+
+using tests::ChildProcess;
+using tests::RunInOwnNamespaces;
+
+constexpr ProcessRights kBothRights[] = {ProcessRights::kTimes, ProcessRights::kMemory};
+
+void Idle() {
+  while (true) {
+    pause();
+  }
+}
+
+bool OpensAs(int pid) {
+  const bool opens = Process::Open(pid, ProcessRights::kTimes).has_value();
+  EXPECT_EQ(opens, Process::Open(pid, ProcessRights::kMemory).has_value());
+  return opens;
+}
+
+TEST(LinuxProcessTest, AnIdleChildIsMeasuredAndUsesNothing) {
+  const ChildProcess child(Idle);
+  const auto process = Process::Open(child.pid(), ProcessRights::kTimes);
+  ASSERT_TRUE(process);
+  EXPECT_TRUE(process->Times());
+  EXPECT_GT(process->ResidentBytes().value_or(0), 0U);
+}
+
+TEST(LinuxProcessTest, AThreadsIdIsNoProcess) {
+  std::atomic<pid_t> thread_id = 0;
+  std::atomic<bool> done = false;
+  std::thread thread([&] {
+    // Its own id is the one that the kernel's process clock would take for the whole process.
+    EXPECT_FALSE(OpensAs(gettid()));
+    thread_id = gettid();
+    while (!done) {
+      std::this_thread::yield();
+    }
+  });
+  while (thread_id == 0) {
+    std::this_thread::yield();
+  }
+  EXPECT_FALSE(OpensAs(thread_id));
+  done = true;
+  thread.join();
+}
+
+// The process clock's id holds the pid shifted by three bits: these would name the same clock.
+TEST(LinuxProcessTest, APidIsNotTakenForItsAliases) {
+  EXPECT_FALSE(OpensAs(getpid() + (1 << 29)));
+  EXPECT_FALSE(OpensAs(getpid() + (1 << 30)));
+}
+
+TEST(LinuxProcessTest, AZombieHasItsFinalTimesAndNoMemory) {
+  const ChildProcess child([] {});
+  child.AwaitZombie();
+  const auto process = Process::Open(child.pid(), ProcessRights::kTimes);
+  ASSERT_TRUE(process);
+  const auto first = process->Times();
+  const auto second = process->Times();
+  ASSERT_TRUE(first);
+  ASSERT_TRUE(second);
+  EXPECT_EQ(first->user, second->user);
+  EXPECT_EQ(process->ResidentBytes(), 0U);
+}
+
+TEST(LinuxProcessTest, AReapedProcessDoesNotOpen) {
+  ChildProcess child(Idle);
+  child.KillAndReap();
+  EXPECT_FALSE(OpensAs(child.pid()));
+}
+
+TEST(LinuxProcessTest, AProcessThatIsReapedWhileOpenTellsNothingMore) {
+  ChildProcess child(Idle);
+  const auto process = Process::Open(child.pid(), ProcessRights::kTimes);
+  ASSERT_TRUE(process);
+  ASSERT_TRUE(process->Times());
+  child.KillAndReap();
+  EXPECT_FALSE(process->Times());
+  EXPECT_FALSE(process->ResidentBytes());
+}
+
+TEST(LinuxProcessTest, AProcessThatEndsWhileOpenKeepsItsTimesUntilItIsReaped) {
+  const ChildProcess child(Idle);
+  const auto process = Process::Open(child.pid(), ProcessRights::kTimes);
+  ASSERT_TRUE(process);
+  kill(child.pid(), SIGKILL);
+  child.AwaitZombie();
+  EXPECT_TRUE(process->Times());
+}
+
+// The kernel's own switch for the next pid makes the reuse certain.
+TEST(LinuxProcessTest, APidGivenToAnotherProcessIsNotTakenForTheOldOne) {
+  const auto outcome = RunInOwnNamespaces([] {
+    ChildProcess first(Idle);
+    const auto process = Process::Open(first.pid(), ProcessRights::kTimes);
+    const bool opened = process.has_value();
+    first.KillAndReap();
+    std::ofstream("/proc/sys/kernel/ns_last_pid") << first.pid() - 1;
+    const ChildProcess second(Idle);
+    if (!opened || second.pid() != first.pid()) {
+      throw std::runtime_error("the pid was not given again");
+    }
+    if (process->Times() || process->ResidentBytes()) {
+      throw std::runtime_error("the old handle shows the new process");
+    }
+    if (!Process::Open(second.pid(), ProcessRights::kTimes)->Times()) {
+      throw std::runtime_error("the new process is not seen");
+    }
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
+// Ends its first thread; another holds the memory and lives on.
+void LiveWithoutFirstThread() {
+  static std::vector<char> memory(32U << 20, 'x');
+  std::thread([] { Idle(); }).detach();
+  syscall(SYS_exit, 0);  // pthread_exit would unwind through the test program's own handlers
+}
+
+TEST(LinuxProcessTest, AProcessWhoseFirstThreadHasEndedIsMeasuredInFull) {
+  const ChildProcess child(LiveWithoutFirstThread);
+  child.AwaitZombie();
+  for (const ProcessRights rights : kBothRights) {
+    const auto process = Process::Open(child.pid(), rights);
+    ASSERT_TRUE(process);
+    EXPECT_TRUE(process->Times());
+    EXPECT_GE(process->ResidentBytes().value_or(0), 32U << 20);
+  }
+}
+
+TEST(LinuxProcessTest, ANameOfBlanksAndParenthesesDoesNotConfuse) {
+  std::array<int, 2> ends{};
+  ASSERT_EQ(pipe(ends.data()), 0);
+  const ChildProcess child([&ends] {
+    prctl(PR_SET_NAME, "a) R (b 0 0 0");
+    static_cast<void>(!write(ends[1], "x", 1));
+    Idle();
+  });
+  char ready = 0;
+  ASSERT_EQ(read(ends[0], &ready, 1), 1);
+  close(ends[0]);
+  close(ends[1]);
+  const auto process = Process::Open(child.pid(), ProcessRights::kMemory);
+  ASSERT_TRUE(process);
+  EXPECT_TRUE(process->Times());
+  EXPECT_GT(process->ResidentBytes().value_or(0), 0U);
+}
+
+// Finer than the ticks of /proc/<pid>/stat: the readings enclose the process's own clock.
+TEST(LinuxProcessTest, WorkAddsUpToTheClockOfTheProcess) {
+  const auto process = Process::Open(getpid(), ProcessRights::kTimes);
+  ASSERT_TRUE(process);
+  const auto first = process->Times();
+  timespec own{};
+  ASSERT_EQ(clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &own), 0);
+  const auto second = process->Times();
+  ASSERT_TRUE(first);
+  ASSERT_TRUE(second);
+  const auto own_units = static_cast<std::uint64_t>(own.tv_sec) * 10'000'000 +
+                         static_cast<std::uint64_t>(own.tv_nsec) / 100;
+  EXPECT_LE(first->kernel + first->user, own_units);
+  EXPECT_LE(own_units, second->kernel + second->user);
+}
+
+}  // namespace
+}  // namespace kestrel::platform

@@ -1,0 +1,64 @@
+#include "platform/linux/text_file.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+namespace kestrel::platform {
+namespace {
+
+class TextFileTest : public testing::Test {
+ protected:
+  std::string path_ = testing::TempDir() + "text_file_test." + std::to_string(getpid());
+  TextFileTest() { std::ofstream(path_) << "a text"; }
+  ~TextFileTest() override { unlink(path_.c_str()); }
+};
+
+TEST_F(TextFileTest, ReadsWhatFits) {
+  std::array<char, 16> buffer;
+  EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "a text");
+  EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), 3), "a t");
+}
+
+TEST_F(TextFileTest, WhatCannotBeReadIsNothing) {
+  std::array<char, 16> buffer;
+  EXPECT_FALSE(ReadTextFile("/nowhere/at/all", buffer.data(), buffer.size()));
+  EXPECT_FALSE(ReadTextFile("/", buffer.data(), buffer.size()));
+}
+
+TEST_F(TextFileTest, ADescriptorClosesItselfUnlessReleased) {
+  int kept = -1;
+  int closed = -1;
+  {
+    FileDescriptor released(AT_FDCWD, path_.c_str());
+    const FileDescriptor scoped(AT_FDCWD, path_.c_str());
+    closed = scoped.get();
+    kept = released.release();
+    EXPECT_FALSE(released.is_open());
+  }
+  EXPECT_EQ(fcntl(closed, F_GETFD), -1);
+  EXPECT_EQ(fcntl(kept, F_GETFD), FD_CLOEXEC);
+  close(kept);
+}
+
+TEST(TakeNumberTest, TakesTheDigitsOffTheFront) {
+  std::string_view text = "42 rest";
+  EXPECT_EQ(TakeNumber(text), 42U);
+  EXPECT_EQ(text, " rest");
+}
+
+TEST(TakeNumberTest, LeavesTheTextWhereThereIsNone) {
+  for (const char* const original : {"", " 42", "-1", "+1", "x", "18446744073709551616"}) {
+    std::string_view text = original;
+    EXPECT_FALSE(TakeNumber(text)) << original;
+    EXPECT_EQ(text, original);
+  }
+}
+
+}  // namespace
+}  // namespace kestrel::platform

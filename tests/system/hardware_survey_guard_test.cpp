@@ -1,0 +1,56 @@
+// SurveyHardware over surveys that break their promise of no data beside a failure.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/fakes/surveys_fake.h"
+
+namespace kestrel::system {
+namespace {
+
+using fakes::Surveys;
+
+// Data stands beside both codes, whether they allow it or not.
+void SetSurveys(ResultCode gpu_code, ResultCode cpu_code) {
+  CpuInfo cpu;
+  cpu.architecture = CpuArchitecture::ARM64;
+  cpu.supportedInstructionSetExtensions = {CpuInstructionSetExtension::AdvSIMD};
+  Surveys() = {
+      {{gpu_code, "gpu text"}, std::vector<GpuInfo>(2)}, {{cpu_code, "cpu text"}, cpu}, {}};
+}
+
+TEST(HardwareSurveyGuardTest, DataBesideAnyFailureIsDropped) {
+  for (const ResultCode code : {ResultCode::Unknown, ResultCode::Failure, ResultCode::NoDevices,
+                                ResultCode::DeviceQueryFailed, static_cast<ResultCode>(99)}) {
+    SetSurveys(code, code);
+    const HardwareSurveyResult survey = SurveyHardware();
+    EXPECT_EQ(survey.gpuSurvey.first.code, code);
+    EXPECT_EQ(survey.gpuSurvey.first.message, "gpu text");
+    EXPECT_TRUE(survey.gpuSurvey.second.empty());
+    EXPECT_EQ(survey.cpuSurvey.first.code, code);
+    EXPECT_EQ(survey.cpuSurvey.first.message, "cpu text");
+    EXPECT_EQ(survey.cpuSurvey.second.architecture, CpuArchitecture::Unknown);
+    EXPECT_TRUE(survey.cpuSurvey.second.supportedInstructionSetExtensions.empty());
+  }
+}
+
+TEST(HardwareSurveyGuardTest, DataBesideSuccessIsKept) {
+  SetSurveys(ResultCode::Success, ResultCode::Success);
+  const HardwareSurveyResult survey = SurveyHardware();
+  EXPECT_EQ(survey.gpuSurvey.second.size(), 2U);
+  EXPECT_EQ(survey.cpuSurvey.second.architecture, CpuArchitecture::ARM64);
+  EXPECT_EQ(survey.cpuSurvey.second.supportedInstructionSetExtensions.size(), 1U);
+}
+
+TEST(HardwareSurveyGuardTest, GpusComeFirstAndTheCpuWhateverBecameOfThem) {
+  for (const ResultCode code : {ResultCode::Success, ResultCode::DeviceQueryFailed}) {
+    SetSurveys(code, ResultCode::Success);
+    static_cast<void>(SurveyHardware());
+    EXPECT_EQ(Surveys().calls, (std::vector<std::string>{"SurveyGpus", "SurveyCpu"}));
+  }
+}
+
+}  // namespace
+}  // namespace kestrel::system

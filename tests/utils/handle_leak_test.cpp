@@ -1,0 +1,43 @@
+// The meters over the native layer: whatever happens, no call leaves a system object open.
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "simulator/control.h"
+#include "tests/fakes/cerr_recorder.h"
+#include "tests/platform/host_process.h"
+#include "utils/cpu_usage.h"
+#include "utils/memory_observer.h"
+
+namespace kestrel_utils {
+namespace {
+
+using kestrel::tests::OpenHandleCount;
+using kestrel::tests::OwnPid;
+
+constexpr int kCalls = 1000;
+
+TEST(HandleLeakTest, NoMeterLeavesAHandleOpen) {
+  const kestrel::fakes::CerrRecorder cerr;
+  kestrel::simulator::Install({});
+  const MemoryObserver observer;
+  static_cast<void>(GetCpuUsage(OwnPid(), 0));  // the runtime's own start-up is not counted
+  const int before = OpenHandleCount();
+  for (int call = 0; call < kCalls; ++call) {
+    for (const int pid : {OwnPid(), 0, -1, std::numeric_limits<int>::max()}) {
+      static_cast<void>(GetCpuUsage(pid, 0));
+      static_cast<void>(MemoryObserver::getProcessUsedRAM(pid));
+    }
+    static_cast<void>(MemoryObserver::getMachinePhysicalRAM());
+    static_cast<void>(observer.getAvailableRAM());
+    static_cast<void>(observer.getUsedRAM());
+    static_cast<void>(observer.willFailToAllocate(1));
+    static_cast<void>(MemoryObserver::getMachinePhysicalVRAM());
+    static_cast<void>(observer.getAvailableVRAM());
+  }
+  EXPECT_EQ(OpenHandleCount(), before);
+}
+
+}  // namespace
+}  // namespace kestrel_utils

@@ -1,0 +1,183 @@
+#include "utils/memory_observer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+
+#include "simulator/control.h"
+#include "tests/fakes/cerr_recorder.h"
+#include "tests/fakes/platform_fake.h"
+
+namespace kestrel_utils {
+namespace {
+
+using kestrel::fakes::CerrRecorder;
+using kestrel::fakes::Platform;
+
+constexpr std::uint64_t kGiB = std::uint64_t{1} << 30;
+constexpr std::uint64_t kHuge = std::numeric_limits<std::uint64_t>::max();
+
+class MemoryObserverTest : public testing::Test {
+ protected:
+  MemoryObserverTest() {
+    Platform() = {};
+    Platform().memory = {16 * kGiB, 6 * kGiB, 2 * kGiB};
+  }
+
+  // Asks on a machine with this much available, and this much to commit beyond it.
+  bool WillFail(std::uint64_t available, std::uint64_t committable, std::uint64_t bytes) {
+    Platform().memory = {kHuge, available, committable};
+    return observer_.willFailToAllocate(static_cast<long long>(bytes));
+  }
+
+  MemoryObserver observer_;
+  CerrRecorder cerr_;
+};
+
+TEST_F(MemoryObserverTest, IsAnEmptyValueWithoutState) {
+  static_assert(std::is_empty_v<MemoryObserver>);
+  static_assert(!std::is_polymorphic_v<MemoryObserver>);
+  static_assert(std::is_nothrow_default_constructible_v<MemoryObserver>);
+  static_assert(std::is_copy_constructible_v<MemoryObserver>);
+  static_assert(std::is_move_constructible_v<MemoryObserver>);
+  MemoryObserver other;
+  EXPECT_EQ(&(other = observer_), &other);
+  EXPECT_EQ(&(other = MemoryObserver{}), &other);
+}
+
+TEST_F(MemoryObserverTest, TheErrorCodeIsMinusOne) {
+  static_assert(std::is_same_v<decltype(MemoryObserver::kRamMeterErrorCode), const int>);
+  EXPECT_EQ(MemoryObserver::kRamMeterErrorCode, -1);
+}
+
+TEST_F(MemoryObserverTest, RamFiguresComeOutUnchanged) {
+  EXPECT_EQ(MemoryObserver::getMachinePhysicalRAM(), 16LL << 30);
+  EXPECT_EQ(observer_.getAvailableRAM(), 6LL << 30);
+  EXPECT_EQ(observer_.getUsedRAM(), 10LL << 30);
+}
+
+TEST_F(MemoryObserverTest, EveryRamMeterMakesOneQuery) {
+  static_cast<void>(MemoryObserver::getMachinePhysicalRAM());
+  static_cast<void>(observer_.getAvailableRAM());
+  static_cast<void>(observer_.getUsedRAM());
+  EXPECT_EQ(Platform().calls,
+            (std::vector<std::string>{"QueryTotalPhysicalMemory()", "QueryMemoryStatus()",
+                                      "QueryMemoryStatus()"}));
+}
+
+// The host is promised no figure then, but never garbage and never a message.
+TEST_F(MemoryObserverTest, RamMetersReadZeroWhenTheSystemDoesNotAnswer) {
+  Platform().Fail("QueryMemoryStatus");
+  Platform().Fail("QueryTotalPhysicalMemory");
+  EXPECT_EQ(MemoryObserver::getMachinePhysicalRAM(), 0);
+  EXPECT_EQ(observer_.getAvailableRAM(), 0);
+  EXPECT_EQ(observer_.getUsedRAM(), 0);
+  EXPECT_EQ(cerr_.text(), "");
+}
+
+TEST_F(MemoryObserverTest, ProcessRamIsTheResidentSet) {
+  Platform().resident_bytes = 5 * kGiB + 1;
+  EXPECT_EQ(MemoryObserver::getProcessUsedRAM(77), (5LL << 30) + 1);
+  EXPECT_EQ(Platform().calls,
+            (std::vector<std::string>{"Process::Open(77, memory)", "Process::ResidentBytes()",
+                                      "Process::Close()"}));
+  EXPECT_EQ(cerr_.text(), "");
+}
+
+TEST_F(MemoryObserverTest, ProcessRamOfPidZeroIsRefusedBeforeAnythingElse) {
+  EXPECT_EQ(MemoryObserver::getProcessUsedRAM(0), -1);
+  EXPECT_EQ(
+      cerr_.writes(),
+      std::vector<std::string>{"Failed to get used RAM for PID '0' since PID must be positive!\n"});
+  EXPECT_EQ(cerr_.flushes(), 1);
+  EXPECT_TRUE(Platform().calls.empty());
+}
+
+TEST_F(MemoryObserverTest, ProcessRamOfANegativePidIsRefusedBeforeAnythingElse) {
+  EXPECT_EQ(MemoryObserver::getProcessUsedRAM(-5), -1);
+  EXPECT_EQ(cerr_.writes(),
+            std::vector<std::string>{
+                "Failed to get used RAM for PID '-5' since PID must be positive!\n"});
+  EXPECT_EQ(cerr_.flushes(), 1);
+  EXPECT_TRUE(Platform().calls.empty());
+}
+
+TEST_F(MemoryObserverTest, ProcessRamOfAProcessThatCannotBeOpenedIsReported) {
+  Platform().Fail("Process::Open");
+  EXPECT_EQ(MemoryObserver::getProcessUsedRAM(4711), -1);
+  EXPECT_EQ(cerr_.writes(), std::vector<std::string>{"Failed to open process with PID 4711\n"});
+  EXPECT_EQ(cerr_.flushes(), 1);
+}
+
+TEST_F(MemoryObserverTest, ProcessRamThatCannotBeReadFailsSilentlyAndClosesTheHandle) {
+  Platform().Fail("Process::ResidentBytes");
+  EXPECT_EQ(MemoryObserver::getProcessUsedRAM(4711), -1);
+  EXPECT_EQ(cerr_.text(), "");
+  EXPECT_EQ(Platform().open_handles, 0);
+  EXPECT_EQ(Platform().calls.back(), "Process::Close()");
+}
+
+TEST_F(MemoryObserverTest, VramIsTheSumOfAllDevicesAndFreeVramThatOfTheFirst) {
+  kestrel::simulator::Machine machine;
+  machine.devices = {{"a", "gfx1", 0, 8 * kGiB, 7 * kGiB, 8 * kGiB},
+                     {"b", "gfx2", 0, 16 * kGiB, 15 * kGiB, 16 * kGiB}};
+  kestrel::simulator::Install(machine);
+  EXPECT_EQ(MemoryObserver::getMachinePhysicalVRAM(), 24LL << 30);
+  EXPECT_EQ(observer_.getAvailableVRAM(), 7LL << 30);
+  EXPECT_EQ(cerr_.text(), "");
+}
+
+TEST_F(MemoryObserverTest, NothingNeverFailsToAllocate) { EXPECT_FALSE(WillFail(0, 0, 0)); }
+
+TEST_F(MemoryObserverTest, TheForecastTurnsOneByteAfterAvailablePlusCommittable) {
+  EXPECT_FALSE(WillFail(6 * kGiB, 2 * kGiB, 6 * kGiB));
+  EXPECT_FALSE(WillFail(6 * kGiB, 2 * kGiB, 6 * kGiB + 1));
+  EXPECT_FALSE(WillFail(6 * kGiB, 2 * kGiB, 8 * kGiB));
+  EXPECT_TRUE(WillFail(6 * kGiB, 2 * kGiB, 8 * kGiB + 1));
+}
+
+TEST_F(MemoryObserverTest, ANegativeSizeIsAHugeOne) { EXPECT_TRUE(WillFail(6, 2, kHuge)); }
+
+// Added up, the two figures would wrap to a small number and cry wolf.
+TEST_F(MemoryObserverTest, FiguresWhoseSumWrapsDoNotMakeTheForecastFail) {
+  EXPECT_FALSE(WillFail(kHuge - 1, kHuge, kHuge));
+  EXPECT_FALSE(WillFail(kHuge, kHuge, 1));
+}
+
+TEST_F(MemoryObserverTest, WithoutCommittableMemoryTheForecastTurnsAfterTheAvailable) {
+  EXPECT_FALSE(WillFail(kGiB, 0, kGiB));
+  EXPECT_TRUE(WillFail(kGiB, 0, kGiB + 1));
+}
+
+TEST_F(MemoryObserverTest, TheForecastMakesOneQuery) {
+  WillFail(1, 1, 1);
+  EXPECT_EQ(Platform().calls, std::vector<std::string>{"QueryMemoryStatus()"});
+  EXPECT_EQ(cerr_.text(), "");
+}
+
+TEST_F(MemoryObserverTest, AFailedQueryPredictsSuccessWithAMessage) {
+  Platform().Fail("QueryMemoryStatus");
+  EXPECT_FALSE(observer_.willFailToAllocate(-1));
+  EXPECT_EQ(cerr_.writes(), std::vector<std::string>{"Failed to get global memory status.\n"});
+  EXPECT_EQ(cerr_.flushes(), 1);
+}
+
+TEST_F(MemoryObserverTest, DoesNotThrowWhereTheHostsStreamDoes) {
+  static_assert(noexcept(MemoryObserver::getMachinePhysicalRAM()));
+  static_assert(noexcept(MemoryObserver::getMachinePhysicalVRAM()));
+  static_assert(noexcept(MemoryObserver::getProcessUsedRAM(1)));
+  static_assert(noexcept(observer_.getAvailableRAM()));
+  static_assert(noexcept(observer_.getUsedRAM()));
+  static_assert(noexcept(observer_.getAvailableVRAM()));
+  static_assert(noexcept(observer_.willFailToAllocate(1)));
+  kestrel::simulator::Install({});
+  cerr_.Throw();
+  EXPECT_EQ(MemoryObserver::getProcessUsedRAM(0), -1);
+  EXPECT_EQ(MemoryObserver::getMachinePhysicalVRAM(), 0);
+  EXPECT_EQ(cerr_.refused(), 1);
+}
+
+}  // namespace
+}  // namespace kestrel_utils
