@@ -1,0 +1,199 @@
+#include "simulator/machine_file.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <fstream>
+#include <initializer_list>
+#include <iterator>
+#include <limits>
+#include <optional>
+#include <utility>
+
+#include "simulator/operations.h"
+#include "simulator/status_names.h"
+#include "simulator/toml.h"
+
+namespace kestrel::simulator {
+
+namespace {
+
+constexpr std::int64_t kMaxInt = std::numeric_limits<int>::max();
+constexpr std::int64_t kMaxBytes = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t kMaxDevices = 1024;   // alike, in one entry
+constexpr std::size_t kMaxTextLength = 256;  // the field in the properties record
+
+[[noreturn]] void Refuse(const toml::source_region& where, const std::string& complaint) {
+  throw MachineFileError(*where.path + ":" + std::to_string(where.begin.line) + ":" +
+                         std::to_string(where.begin.column) + ": " + complaint);
+}
+
+std::string Quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
+
+// Takes values out of a table, each of the type and within the bounds that its key is to have.
+class TableReader {
+ public:
+  TableReader(const toml::table& table, std::initializer_list<std::string_view> known_keys)
+      : table_(table) {
+    for (const auto& [key, value] : table) {
+      if (std::find(known_keys.begin(), known_keys.end(), key.str()) == known_keys.end()) {
+        Refuse(key.source(), "unknown key " + Quoted(key));
+      }
+    }
+  }
+
+  [[nodiscard]] std::optional<std::int64_t> OptionalInteger(std::string_view key, std::int64_t min,
+                                                            std::int64_t max) const {
+    const toml::node* node = table_.get(key);
+    if (node == nullptr) {
+      return std::nullopt;
+    }
+    const auto* integer = node->as_integer();
+    if (integer == nullptr) {
+      Refuse(node->source(), Quoted(key) + " must be an integer");
+    }
+    if (integer->get() < min || integer->get() > max) {
+      Refuse(node->source(),
+             Quoted(key) + " must be from " + std::to_string(min) + " to " + std::to_string(max));
+    }
+    return integer->get();
+  }
+
+  [[nodiscard]] std::uint64_t Bytes(std::string_view key) const {
+    static_cast<void>(Required(key));
+    return static_cast<std::uint64_t>(*OptionalInteger(key, 0, kMaxBytes));
+  }
+
+  [[nodiscard]] bool Boolean(std::string_view key) const {
+    const toml::node& node = Required(key);
+    const auto* boolean = node.as_boolean();
+    if (boolean == nullptr) {
+      Refuse(node.source(), Quoted(key) + " must be true or false");
+    }
+    return boolean->get();
+  }
+
+  [[nodiscard]] std::string Text(std::string_view key) const {
+    const toml::node& node = Required(key);
+    const auto* text = node.as_string();
+    if (text == nullptr) {
+      Refuse(node.source(), Quoted(key) + " must be a string");
+    }
+    if (text->get().size() > kMaxTextLength) {
+      Refuse(node.source(),
+             Quoted(key) + " must not exceed " + std::to_string(kMaxTextLength) + " bytes");
+    }
+    return text->get();
+  }
+
+  [[nodiscard]] std::vector<const toml::table*> Tables(std::string_view key) const {
+    const toml::node* node = table_.get(key);
+    std::vector<const toml::table*> tables;
+    if (node == nullptr) {
+      return tables;
+    }
+    const auto* array = node->as_array();
+    if (array == nullptr) {
+      Refuse(node->source(),
+             Quoted(key) + " must be a list of tables: [[" + std::string(key) + "]]");
+    }
+    for (const toml::node& element : *array) {
+      if (!element.is_table()) {
+        Refuse(element.source(), "each " + Quoted(key) + " must be a table");
+      }
+      tables.push_back(element.as_table());
+    }
+    return tables;
+  }
+
+  [[nodiscard]] const toml::node& Required(std::string_view key) const {
+    const toml::node* node = table_.get(key);
+    if (node == nullptr) {
+      Refuse(table_.source(), "key " + Quoted(key) + " is missing");
+    }
+    return *node;
+  }
+
+ private:
+  const toml::table& table_;
+};
+
+std::optional<int> ToInt(std::optional<std::int64_t> number) {
+  return number ? std::optional(static_cast<int>(*number)) : std::nullopt;
+}
+
+void AddDevices(const toml::table& table, std::vector<Device>& devices) {
+  const TableReader reader(table, {"count", "name", "arch", "integrated", "total_memory",
+                                   "free_memory", "properties_memory"});
+  Device device;
+  device.name = reader.Text("name");
+  device.arch = reader.Text("arch");
+  device.integrated = reader.Boolean("integrated") ? 1 : 0;
+  device.total_memory = reader.Bytes("total_memory");
+  device.free_memory = reader.Bytes("free_memory");
+  const auto properties_memory = reader.OptionalInteger("properties_memory", 0, kMaxBytes);
+  device.properties_memory =
+      properties_memory ? static_cast<std::uint64_t>(*properties_memory) : device.total_memory;
+  const std::int64_t count = reader.OptionalInteger("count", 1, kMaxDevices).value_or(1);
+  devices.insert(devices.end(), static_cast<std::size_t>(count), device);
+}
+
+Fault FaultFrom(const toml::table& table, std::int64_t device_count) {
+  const TableReader reader(table, {"operation", "device", "call", "status"});
+  Fault fault;
+  fault.operation = reader.Text("operation");
+  if (std::find(kOperationsWithStatus.begin(), kOperationsWithStatus.end(), fault.operation) ==
+      kOperationsWithStatus.end()) {
+    Refuse(reader.Required("operation").source(),
+           "there is no operation " + Quoted(fault.operation) + " that could fail");
+  }
+  fault.device = ToInt(reader.OptionalInteger("device", 0, device_count - 1));
+  fault.call = ToInt(reader.OptionalInteger("call", 1, kMaxInt));
+  const std::string name = reader.Text("status");
+  const auto status = StatusNamed(name);
+  if (!status || *status == hipSuccess) {
+    Refuse(reader.Required("status").source(), "there is no failure " + Quoted(name));
+  }
+  fault.status = *status;
+  return fault;
+}
+
+Machine MachineFrom(const toml::table& table) {
+  const TableReader reader(table, {"device", "claimed_device_count", "fault"});
+  Machine machine;
+  // Not even a machine without devices leaves them out: it says so, `device = []`.
+  static_cast<void>(reader.Required("device"));
+  for (const toml::table* device : reader.Tables("device")) {
+    AddDevices(*device, machine.devices);
+  }
+  machine.claimed_device_count =
+      ToInt(reader.OptionalInteger("claimed_device_count", -kMaxInt - 1, kMaxInt));
+  const auto device_count = static_cast<std::int64_t>(machine.devices.size());
+  const std::int64_t known_count =
+      std::max<std::int64_t>(device_count, machine.claimed_device_count.value_or(0));
+  for (const toml::table* fault : reader.Tables("fault")) {
+    machine.faults.push_back(FaultFrom(*fault, known_count));
+  }
+  return machine;
+}
+
+}  // namespace
+
+Machine ReadMachineFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  file.peek();  // a folder opens like a file, and then cannot be read
+  if (file.fail()) {
+    throw MachineFileError(path + ": cannot be read");
+  }
+  const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  return ParseMachine(text, path);
+}
+
+Machine ParseMachine(std::string_view text, const std::string& path) {
+  try {
+    return MachineFrom(toml::parse(text, path));
+  } catch (const toml::parse_error& error) {
+    Refuse(error.source(), std::string(error.description()));
+  }
+}
+
+}  // namespace kestrel::simulator

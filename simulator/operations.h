@@ -1,0 +1,25 @@
+#pragma once
+
+#include <array>
+#include <string_view>
+
+namespace kestrel::simulator {
+
+// The operations that report a status, and so can be made to fail.
+constexpr std::array<std::string_view, 13> kOperationsWithStatus = {
+    "hipInit",
+    "hipRuntimeGetVersion",
+    "hipDriverGetVersion",
+    "hipGetDeviceCount",
+    "hipGetDevice",
+    "hipSetDevice",
+    "hipGetDeviceProperties",
+    "hipDeviceGetName",
+    "hipMemGetInfo",
+    "hipMalloc",
+    "hipFree",
+    "hipGetLastError",
+    "hipPeekAtLastError",
+};
+
+}  // namespace kestrel::simulator
