@@ -38,3 +38,7 @@ if(KESTRELCORE_BUILD_HARNESS)
   endif()
   install(TARGETS kestrel-harness RUNTIME COMPONENT harness)
 endif()
+
+if(KESTRELCORE_BUILD_SIMULATOR)
+  include(KestrelcoreSimulatorInstall)
+endif()
