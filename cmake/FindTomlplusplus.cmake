@@ -1,7 +1,10 @@
 # Finds toml++ 3, a library of headers. Provides Tomlplusplus::Tomlplusplus.
 
 # On the building machine, also when what is built is for another: the headers are the same.
-find_path(TOMLPLUSPLUS_INCLUDE_DIR toml++/toml.h NO_CMAKE_FIND_ROOT_PATH)
+find_path(
+  TOMLPLUSPLUS_INCLUDE_DIR toml++/toml.h
+  PATHS /usr/include /usr/local/include
+  NO_CMAKE_FIND_ROOT_PATH)
 
 include(FindPackageHandleStandardArgs)
 find_package_handle_standard_args(

@@ -1,0 +1,29 @@
+# Runs a program over the real runtime and over the simulated one, neither with a device, and
+# compares what it writes.
+#
+#   cmake -DPROGRAM=... -DREAL=... -DSIMULATED=... -P compare_runtimes.cmake
+#
+# REAL and SIMULATED are the folders of the two runtimes.
+
+cmake_minimum_required(VERSION 3.25)
+
+function(run_over runtime result)
+  set(ENV{LD_LIBRARY_PATH} "${runtime}")
+  execute_process(
+    COMMAND "${PROGRAM}" every-status
+    OUTPUT_VARIABLE output
+    ERROR_VARIABLE output
+    RESULT_VARIABLE status)
+  set(${result} "${output}exit status ${status}\n" PARENT_SCOPE)
+endfunction()
+
+unset(ENV{KESTREL_SIM_MACHINE})
+set(ENV{HIP_VISIBLE_DEVICES} -1)  # a host that has GPUs hides them
+run_over("${REAL}" real)
+run_over("${SIMULATED}" simulated)
+if(NOT real STREQUAL simulated)
+  message(FATAL_ERROR "The real runtime:\n${real}\nThe simulated one:\n${simulated}")
+endif()
+if(NOT real MATCHES "hipGetDeviceCount: 100, 0\n")
+  message(FATAL_ERROR "The program did not reach a runtime without devices:\n${real}")
+endif()

@@ -1,0 +1,191 @@
+#include "simulator/machine_file.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using kestrel::simulator::Machine;
+using kestrel::simulator::MachineFileError;
+using kestrel::simulator::ParseMachine;
+using kestrel::simulator::ReadMachineFile;
+
+// What is wrong with a text; empty if nothing is.
+std::string ComplaintAbout(const std::string& text) {
+  try {
+    static_cast<void>(ParseMachine(text, "m.toml"));
+    return "";
+  } catch (const MachineFileError& error) {
+    return error.what();
+  }
+}
+
+const std::string kDevice =
+    "[[device]]\n"
+    "name = 'a card'\n"
+    "arch = 'gfx1100'\n"
+    "integrated = false\n"
+    "total_memory = 1_000\n"
+    "free_memory = 900\n";
+
+// The device above with one line, from 2 to 6, exchanged.
+std::string DeviceWithLine(int number, const std::string& line) {
+  std::string text = kDevice;
+  std::size_t begin = 0;
+  for (int i = 1; i < number; ++i) {
+    begin = text.find('\n', begin) + 1;
+  }
+  return text.replace(begin, text.find('\n', begin) - begin, line);
+}
+
+std::string Fault(const std::string& keys) { return kDevice + "[[fault]]\n" + keys; }
+
+TEST(MachineFile, DescribesDevices) {
+  const Machine machine =
+      ParseMachine(kDevice +
+                       "[[device]]\nname = 'an APU'\narch = 'gfx1103'\nintegrated = true\n"
+                       "total_memory = 20\nfree_memory = 30\nproperties_memory = 40\n",
+                   "m.toml");
+  ASSERT_EQ(machine.devices.size(), 2U);
+  EXPECT_EQ(machine.devices[0].name, "a card");
+  EXPECT_EQ(machine.devices[0].arch, "gfx1100");
+  EXPECT_EQ(machine.devices[0].integrated, 0);
+  EXPECT_EQ(machine.devices[0].total_memory, 1000U);
+  EXPECT_EQ(machine.devices[0].free_memory, 900U);
+  EXPECT_EQ(machine.devices[0].properties_memory, 1000U) << "as the total, if it is left out";
+  EXPECT_EQ(machine.devices[1].integrated, 1);
+  EXPECT_EQ(machine.devices[1].total_memory, 20U);
+  EXPECT_EQ(machine.devices[1].free_memory, 30U);
+  EXPECT_EQ(machine.devices[1].properties_memory, 40U);
+  EXPECT_FALSE(machine.claimed_device_count.has_value());
+  EXPECT_TRUE(machine.faults.empty());
+}
+
+TEST(MachineFile, RepeatsADevice) {
+  const Machine machine = ParseMachine(kDevice + "count = 64\n" + kDevice, "m.toml");
+  ASSERT_EQ(machine.devices.size(), 65U);
+  EXPECT_EQ(machine.devices[63].name, "a card");
+}
+
+TEST(MachineFile, DescribesAMachineWithoutDevices) {
+  EXPECT_TRUE(ParseMachine("device = []\n", "m.toml").devices.empty());
+  const Machine machine = ParseMachine("device = []\nclaimed_device_count = 0\n", "m.toml");
+  EXPECT_EQ(machine.claimed_device_count, 0);
+}
+
+TEST(MachineFile, DescribesFaults) {
+  const Machine machine =
+      ParseMachine(Fault("operation = 'hipMemGetInfo'\ndevice = 0\ncall = 2\n"
+                         "status = 'hipErrorNotReady'\n"
+                         "[[fault]]\noperation = 'hipInit'\nstatus = 'hipErrorUnknown'\n"),
+                   "m.toml");
+  ASSERT_EQ(machine.faults.size(), 2U);
+  EXPECT_EQ(machine.faults[0].operation, "hipMemGetInfo");
+  EXPECT_EQ(machine.faults[0].device, 0);
+  EXPECT_EQ(machine.faults[0].call, 2);
+  EXPECT_EQ(machine.faults[0].status, hipErrorNotReady);
+  EXPECT_EQ(machine.faults[1].operation, "hipInit");
+  EXPECT_FALSE(machine.faults[1].device.has_value());
+  EXPECT_FALSE(machine.faults[1].call.has_value());
+  EXPECT_EQ(machine.faults[1].status, hipErrorUnknown);
+}
+
+TEST(MachineFile, PlacesWhatIsNotToml) {
+  const std::string complaint = ComplaintAbout("[[device]]\nname = 'a card\narch = 'gfx'\n");
+  EXPECT_EQ(complaint.rfind("m.toml:2:", 0), 0U) << complaint;
+}
+
+TEST(MachineFile, RefusesKeysThatItDoesNotKnow) {
+  EXPECT_EQ(ComplaintAbout(kDevice + "memory = 5\n"), "m.toml:7:1: unknown key 'memory'");
+  EXPECT_EQ(ComplaintAbout("  devices = []\n"), "m.toml:1:3: unknown key 'devices'");
+  EXPECT_EQ(ComplaintAbout(Fault("operations = 'hipInit'\n")),
+            "m.toml:8:1: unknown key 'operations'");
+}
+
+TEST(MachineFile, RefusesKeysThatAreMissing) {
+  EXPECT_EQ(ComplaintAbout(""), "m.toml:1:1: key 'device' is missing");
+  EXPECT_EQ(ComplaintAbout(DeviceWithLine(2, "")), "m.toml:1:1: key 'name' is missing");
+  EXPECT_EQ(ComplaintAbout(DeviceWithLine(3, "")), "m.toml:1:1: key 'arch' is missing");
+  EXPECT_EQ(ComplaintAbout(DeviceWithLine(4, "")), "m.toml:1:1: key 'integrated' is missing");
+  EXPECT_EQ(ComplaintAbout(DeviceWithLine(5, "")), "m.toml:1:1: key 'total_memory' is missing");
+  EXPECT_EQ(ComplaintAbout(DeviceWithLine(6, "")), "m.toml:1:1: key 'free_memory' is missing");
+  EXPECT_EQ(ComplaintAbout(Fault("status = 'hipErrorUnknown'\n")),
+            "m.toml:7:1: key 'operation' is missing");
+  EXPECT_EQ(ComplaintAbout(Fault("operation = 'hipInit'\n")),
+            "m.toml:7:1: key 'status' is missing");
+}
+
+TEST(MachineFile, RefusesValuesOfAnotherType) {
+  EXPECT_EQ(ComplaintAbout(DeviceWithLine(2, "name = 7")), "m.toml:2:8: 'name' must be a string");
+  EXPECT_EQ(ComplaintAbout(DeviceWithLine(4, "integrated = 1")),
+            "m.toml:4:14: 'integrated' must be true or false");
+  EXPECT_EQ(ComplaintAbout(DeviceWithLine(5, "total_memory = '24 GiB'")),
+            "m.toml:5:16: 'total_memory' must be an integer");
+  EXPECT_EQ(ComplaintAbout(DeviceWithLine(6, "free_memory = 1e3")),
+            "m.toml:6:15: 'free_memory' must be an integer");
+  EXPECT_EQ(ComplaintAbout("device = 3\n"),
+            "m.toml:1:10: 'device' must be a list of tables: [[device]]");
+  EXPECT_EQ(ComplaintAbout("[device]\n"),
+            "m.toml:1:1: 'device' must be a list of tables: [[device]]");
+  EXPECT_EQ(ComplaintAbout("device = [1]\n"), "m.toml:1:11: each 'device' must be a table");
+}
+
+TEST(MachineFile, RefusesNumbersOutOfRange) {
+  EXPECT_EQ(ComplaintAbout(DeviceWithLine(5, "total_memory = -1")),
+            "m.toml:5:16: 'total_memory' must be from 0 to 9223372036854775807");
+  EXPECT_EQ(ComplaintAbout(kDevice + "count = 0\n"), "m.toml:7:9: 'count' must be from 1 to 1024");
+  EXPECT_EQ(ComplaintAbout("device = []\nclaimed_device_count = 2147483648\n"),
+            "m.toml:2:24: 'claimed_device_count' must be from -2147483648 to 2147483647");
+  EXPECT_EQ(ComplaintAbout(Fault("operation = 'hipInit'\nstatus = 'hipErrorUnknown'\ncall = 0\n")),
+            "m.toml:10:8: 'call' must be from 1 to 2147483647");
+}
+
+TEST(MachineFile, RefusesNumbersThatTomlCannotHold) {
+  const std::string complaint =
+      ComplaintAbout(DeviceWithLine(5, "total_memory = 9223372036854775808"));
+  EXPECT_EQ(complaint.rfind("m.toml:5:", 0), 0U) << complaint;
+}
+
+TEST(MachineFile, RefusesTextsThatTheRecordCannotHold) {
+  EXPECT_EQ(ComplaintAbout(DeviceWithLine(2, "name = '" + std::string(256, 'n') + "'")), "");
+  EXPECT_EQ(ComplaintAbout(DeviceWithLine(2, "name = '" + std::string(257, 'n') + "'")),
+            "m.toml:2:8: 'name' must not exceed 256 bytes");
+}
+
+TEST(MachineFile, RefusesFaultsOfNoOperation) {
+  const std::string status = "status = 'hipErrorUnknown'\n";
+  EXPECT_EQ(ComplaintAbout(Fault(status + "operation = 'hipMemInfo'\n")),
+            "m.toml:9:13: there is no operation 'hipMemInfo' that could fail");
+  EXPECT_EQ(ComplaintAbout(Fault(status + "operation = 'hipGetErrorString'\n")),
+            "m.toml:9:13: there is no operation 'hipGetErrorString' that could fail");
+}
+
+TEST(MachineFile, RefusesStatusesThatAreNoFailure) {
+  const std::string operation = "operation = 'hipInit'\n";
+  EXPECT_EQ(ComplaintAbout(Fault(operation + "status = 'hipErrorBroken'\n")),
+            "m.toml:9:10: there is no failure 'hipErrorBroken'");
+  EXPECT_EQ(ComplaintAbout(Fault(operation + "status = 'hipSuccess'\n")),
+            "m.toml:9:10: there is no failure 'hipSuccess'");
+  EXPECT_EQ(ComplaintAbout(Fault(operation + "status = 999\n")),
+            "m.toml:9:10: 'status' must be a string");
+}
+
+TEST(MachineFile, RefusesFaultsOfDevicesThatNobodyCounts) {
+  const std::string fault = "operation = 'hipSetDevice'\nstatus = 'hipErrorUnknown'\ndevice = 1\n";
+  EXPECT_EQ(ComplaintAbout(Fault(fault)), "m.toml:10:10: 'device' must be from 0 to 0");
+  EXPECT_EQ(ComplaintAbout("claimed_device_count = 2\n" + Fault(fault)), "");
+}
+
+TEST(MachineFile, NamesTheFileThatItCannotRead) {
+  for (const std::string path : {"no such file.toml", "."}) {
+    try {
+      static_cast<void>(ReadMachineFile(path));
+      FAIL() << path;
+    } catch (const MachineFileError& error) {
+      EXPECT_EQ(error.what(), path + ": cannot be read");
+    }
+  }
+}
+
+}  // namespace
