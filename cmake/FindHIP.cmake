@@ -8,6 +8,7 @@
 set(_hip_roots "${HIP_ROOT}" "$ENV{HIP_ROOT}" "${ROCM_PATH}" "$ENV{ROCM_PATH}" "${HIP_PATH}"
                "$ENV{HIP_PATH}")
 list(FILTER _hip_roots EXCLUDE REGEX "^$")
+file(TO_CMAKE_PATH "${_hip_roots}" _hip_roots)
 
 # A root that the user names is taken as it is, in a cross build too.
 find_path(
