@@ -43,3 +43,46 @@ function(kestrelcore_add_native_test source)
                        LIBRARIES kestrelcore_logic kestrelcore_platform kestrel_simulator_core
                                  kestrelcore_native_test_support)
 endfunction()
+
+# How programs reach a HIP runtime: on Linux, by a folder that is searched first. Windows looks
+# beside the program first, so there the tests run copies in a folder with the simulated runtime,
+# apart from where other tests would find it.
+if(WIN32)
+  set(kestrelcore_run_folder "${PROJECT_BINARY_DIR}/tests/run")
+  set(kestrelcore_simulated_runtime "")
+  set(kestrelcore_harness "${kestrelcore_run_folder}/$<TARGET_FILE_NAME:kestrel-harness>")
+  add_custom_target(
+    kestrelcore_fill_run_folder ALL
+    COMMAND "${CMAKE_COMMAND}" -E make_directory "${kestrelcore_run_folder}"
+    COMMAND
+      "${CMAKE_COMMAND}" -E copy_if_different "$<TARGET_FILE:kestrel-harness>"
+      "$<TARGET_FILE:kestrelcore>" "$<TARGET_FILE:every_call>" "$<TARGET_FILE:kestrel_simulator>"
+      "${kestrelcore_run_folder}"
+    DEPENDS kestrel-harness kestrelcore every_call kestrel_simulator
+    VERBATIM)
+else()
+  set(kestrelcore_simulated_runtime "$<TARGET_FILE_DIR:kestrel_simulator>")
+  set(kestrelcore_harness "$<TARGET_FILE:kestrel-harness>")
+  cmake_path(GET HIP_LIBRARY PARENT_PATH kestrelcore_real_runtime)
+endif()
+
+# One test: all that a program writes is what EXPECTED holds. RUNTIME is the folder of the HIP
+# runtime, the simulated one unless told otherwise; MACHINE what that simulates.
+function(kestrelcore_add_output_test name)
+  cmake_parse_arguments(arg "" "PROGRAM;MACHINE;EXPECTED;RUNTIME" "ARGUMENTS" ${ARGN})
+  if(WIN32)
+    set(program "${kestrelcore_run_folder}/$<TARGET_FILE_NAME:${arg_PROGRAM}>")
+  else()
+    set(program "$<TARGET_FILE:${arg_PROGRAM}>")
+  endif()
+  if(NOT arg_RUNTIME)
+    set(arg_RUNTIME "${kestrelcore_simulated_runtime}")
+  endif()
+  set(run ${CMAKE_CROSSCOMPILING_EMULATOR} "${program}" ${arg_ARGUMENTS})
+  add_test(NAME ${name}
+           COMMAND "${CMAKE_COMMAND}" "-DRUN=${run}" "-DRUNTIME=${arg_RUNTIME}"
+                   "-DMACHINE=${arg_MACHINE}" "-DEXPECTED=${arg_EXPECTED}"
+                   "-DACTUAL=${CMAKE_CURRENT_BINARY_DIR}/${name}.actual" -P
+                   "${PROJECT_SOURCE_DIR}/tests/check_output.cmake")
+  set_tests_properties(${name} PROPERTIES TIMEOUT 120)
+endfunction()

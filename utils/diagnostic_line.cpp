@@ -34,7 +34,7 @@ DiagnosticLine& DiagnosticLine::operator<<(std::string_view text) noexcept {
 
 DiagnosticLine& DiagnosticLine::operator<<(int number) noexcept {
   std::array<char, std::numeric_limits<int>::digits10 + 2> digits;  // one more digit and a sign
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+  const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
   return *this << std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data()));
 }
 

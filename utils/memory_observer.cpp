@@ -12,9 +12,12 @@ namespace platform = kestrel::platform;
 
 const int MemoryObserver::kRamMeterErrorCode = -1;
 
-// Without data there is nothing to assign; the operators exist because hosts link to them.
-MemoryObserver& MemoryObserver::operator=(const MemoryObserver&) noexcept { return *this; }
-MemoryObserver& MemoryObserver::operator=(MemoryObserver&&) noexcept { return *this; }
+// Out of line because hosts link to them.
+MemoryObserver& MemoryObserver::operator=(const MemoryObserver&) noexcept = default;
+MemoryObserver& MemoryObserver::operator=(MemoryObserver&&) noexcept = default;
+
+// Which members are static is part of the interface.
+// NOLINTBEGIN(readability-convert-member-functions-to-static)
 
 long long MemoryObserver::getMachinePhysicalRAM() noexcept {
   return static_cast<long long>(platform::QueryTotalPhysicalMemory().value_or(0));
@@ -64,5 +67,7 @@ bool MemoryObserver::willFailToAllocate(long long bytes) const noexcept {
   return wanted > status->available_physical &&
          wanted - status->available_physical > status->committable;
 }
+
+// NOLINTEND(readability-convert-member-functions-to-static)
 
 }  // namespace kestrel_utils

@@ -17,10 +17,10 @@ class MemoryObserver {
   KESTRELCORE_EXPORT static const int kRamMeterErrorCode;
 
   MemoryObserver() = default;
-  MemoryObserver(const MemoryObserver&) = default;
-  MemoryObserver(MemoryObserver&&) = default;
-  KESTRELCORE_EXPORT MemoryObserver& operator=(const MemoryObserver&) noexcept;
-  KESTRELCORE_EXPORT MemoryObserver& operator=(MemoryObserver&&) noexcept;
+  MemoryObserver(const MemoryObserver& other) = default;
+  MemoryObserver(MemoryObserver&& other) = default;
+  KESTRELCORE_EXPORT MemoryObserver& operator=(const MemoryObserver& other) noexcept;
+  KESTRELCORE_EXPORT MemoryObserver& operator=(MemoryObserver&& other) noexcept;
   ~MemoryObserver() = default;
 
   /// The machine's physical RAM, whatever limit this process runs under. A failure of the

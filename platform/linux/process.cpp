@@ -1,13 +1,13 @@
 #include <dirent.h>
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/syscall.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <ctime>
 
 #include "platform/linux/statm.h"
 #include "platform/linux/text_file.h"

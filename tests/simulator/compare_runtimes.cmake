@@ -10,7 +10,7 @@ cmake_minimum_required(VERSION 3.25)
 function(run_over runtime result)
   set(ENV{LD_LIBRARY_PATH} "${runtime}")
   execute_process(
-    COMMAND "${PROGRAM}"
+    COMMAND "${PROGRAM}" every-status
     OUTPUT_VARIABLE output
     ERROR_VARIABLE output
     RESULT_VARIABLE status)

@@ -1,0 +1,44 @@
+# What `cmake --install` lays down: the library, its headers, the CMake package, the harness.
+
+include(CMakePackageConfigHelpers)
+
+set(kestrelcore_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kestrelcore")
+
+install(
+  TARGETS kestrelcore
+  EXPORT kestrelcoreTargets
+  RUNTIME COMPONENT runtime
+  LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE COMPONENT development)
+foreach(header IN LISTS kestrelcore_public_headers)
+  cmake_path(GET header PARENT_PATH folder)
+  install(FILES "${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrelcore/${folder}"
+          COMPONENT development)
+endforeach()
+install(FILES "${PROJECT_BINARY_DIR}/include/kestrelcore_export.h"
+        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrelcore" COMPONENT development)
+install(FILES LICENSE README.md CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+        COMPONENT runtime)
+
+install(EXPORT kestrelcoreTargets NAMESPACE kestrelcore:: DESTINATION "${kestrelcore_package_dir}"
+        COMPONENT development)
+configure_package_config_file(
+  cmake/kestrelcoreConfig.cmake.in "${PROJECT_BINARY_DIR}/kestrelcoreConfig.cmake"
+  INSTALL_DESTINATION "${kestrelcore_package_dir}")
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/kestrelcoreConfigVersion.cmake"
+                                 COMPATIBILITY SameMinorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/kestrelcoreConfig.cmake"
+              "${PROJECT_BINARY_DIR}/kestrelcoreConfigVersion.cmake"
+        DESTINATION "${kestrelcore_package_dir}" COMPONENT development)
+
+if(KESTRELCORE_BUILD_HARNESS)
+  if(NOT WIN32)
+    file(RELATIVE_PATH lib_from_bin "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+    set_target_properties(kestrel-harness PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}")
+  endif()
+  install(TARGETS kestrel-harness RUNTIME COMPONENT harness)
+endif()
+
+if(KESTRELCORE_BUILD_SIMULATOR)
+  include(KestrelcoreSimulatorInstall)
+endif()

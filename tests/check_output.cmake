@@ -1,0 +1,67 @@
+# Runs a program and compares all that it writes, character by character, with a text that was kept.
+#
+#   cmake -DRUN=... -DRUNTIME=... -DMACHINE=... -DEXPECTED=... -DACTUAL=... -P check_output.cmake
+#
+# RUN       the command, with an emulator before it in a cross build
+# RUNTIME   the folder that holds the HIP runtime; empty if it is found beside the program
+# MACHINE   the machine file to simulate; run in its folder, so that messages name it without one.
+#           Without it there is no GPU.
+# EXPECTED  the text; ACTUAL gets what there was instead
+#
+# The text holds standard output, then standard error and the exit status; where there was anything
+# on standard error, also how the two streams stand in one, to show their order.
+
+cmake_minimum_required(VERSION 3.25)
+
+if(RUNTIME)
+  set(ENV{LD_LIBRARY_PATH} "${RUNTIME}")
+endif()
+set(folder "${CMAKE_CURRENT_BINARY_DIR}")
+unset(ENV{KESTREL_SIM_MACHINE})
+set(ENV{HIP_VISIBLE_DEVICES} -1) # a host that has GPUs hides them from the real runtime
+if(MACHINE)
+  cmake_path(GET MACHINE PARENT_PATH folder)
+  cmake_path(GET MACHINE FILENAME file)
+  set(ENV{KESTREL_SIM_MACHINE} "${file}")
+endif()
+
+execute_process(
+  COMMAND ${RUN}
+  WORKING_DIRECTORY "${folder}"
+  OUTPUT_VARIABLE output
+  ERROR_VARIABLE errors
+  RESULT_VARIABLE status)
+set(actual "${output}---- standard error ----\n${errors}")
+if(NOT errors STREQUAL "")
+  execute_process(
+    COMMAND ${RUN}
+    WORKING_DIRECTORY "${folder}"
+    OUTPUT_VARIABLE both
+    ERROR_VARIABLE both)
+  string(APPEND actual "---- both in their order ----\n${both}")
+endif()
+
+string(REPLACE "\r\n" "\n" actual "${actual}")
+# How the C++ runtime reports an exception that nothing caught, and ends the process, is its own.
+if(actual MATCHES "terminate called after throwing an instance of '([a-zA-Z_:]+)'")
+  string(REGEX REPLACE "terminate called after throwing[^\n]*\n  what\\(\\):[^\n]*\n"
+                       "(terminated by ${CMAKE_MATCH_1})\n" actual "${actual}")
+  if(status STREQUAL "Subprocess aborted" OR status EQUAL 3)
+    set(status "of an abort")
+  endif()
+endif()
+string(APPEND actual "---- exit status ${status} ----\n")
+# What the real machine and its processes use.
+string(REGEX REPLACE "(Machine physical RAM|Free RAM)( \\.+ )[^\n]*" "\\1\\2(real)" actual
+                     "${actual}")
+string(REGEX REPLACE "(CPU Usage [^.]* \\.+ )[0-9][0-9.e+-]*%" "\\1(real)%" actual "${actual}")
+string(REGEX REPLACE "(Mem Usage [^.]* \\.+ )[0-9.]+ [KMG]B%" "\\1(real)%" actual "${actual}")
+file(WRITE "${ACTUAL}" "${actual}")
+
+set(expected "")
+if(EXISTS "${EXPECTED}")
+  file(READ "${EXPECTED}" expected)
+endif()
+if(NOT actual STREQUAL expected)
+  message(FATAL_ERROR "${EXPECTED} and ${ACTUAL} differ. There was:\n${actual}")
+endif()
