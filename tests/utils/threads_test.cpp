@@ -1,0 +1,56 @@
+// Everything at once from several threads, over the native layer. What it asserts is little; the
+// thread sanitizer's build sees the rest.
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+#include "simulator/control.h"
+#include "system/hardware_survey.h"
+#include "tests/platform/host_process.h"
+#include "utils/cpu_usage.h"
+#include "utils/memory_observer.h"
+
+namespace kestrel_utils {
+namespace {
+
+constexpr int kThreads = 4;
+constexpr int kRounds = 50;
+
+void CallEverything(int pid) {
+  const MemoryObserver observer;
+  for (int round = 0; round < kRounds; ++round) {
+    const auto survey = kestrel::system::SurveyHardware();
+    EXPECT_EQ(survey.gpuSurvey.second.size(), 3U);
+    EXPECT_EQ(survey.cpuSurvey.first.code, kestrel::system::ResultCode::Success);
+    EXPECT_EQ(kestrel::simulator::CurrentDevice(), 2);
+    EXPECT_GE(GetCpuUsage(pid, 0), 0.0F);
+    EXPECT_GT(MemoryObserver::getProcessUsedRAM(pid), 0);
+    EXPECT_GT(MemoryObserver::getMachinePhysicalRAM(), 0);
+    EXPECT_GE(observer.getAvailableRAM(), 0);
+    EXPECT_GE(observer.getUsedRAM(), 0);
+    EXPECT_FALSE(observer.willFailToAllocate(0));
+    EXPECT_EQ(MemoryObserver::getMachinePhysicalVRAM(), 6);
+    EXPECT_EQ(observer.getAvailableVRAM(), 1);
+    EXPECT_EQ(kestrel::simulator::CurrentDevice(), 0);
+  }
+}
+
+TEST(ThreadsTest, CallsOnSeveralThreadsDoNotDisturbEachOther) {
+  kestrel::simulator::Machine machine;
+  machine.devices = {{"a", "gfx", 0, 1, 1, 1}, {"b", "gfx", 0, 2, 2, 2}, {"c", "gfx", 0, 3, 3, 3}};
+  kestrel::simulator::Install(machine);
+  const int pid = kestrel::tests::OwnPid();
+  std::vector<std::thread> threads;
+  threads.reserve(kThreads);
+  for (int i = 0; i < kThreads; ++i) {
+    threads.emplace_back(CallEverything, pid);
+  }
+  for (auto& thread : threads) {
+    thread.join();
+  }
+}
+
+}  // namespace
+}  // namespace kestrel_utils
