@@ -146,7 +146,11 @@ Fault FaultFrom(const toml::table& table, std::int64_t device_count) {
     Refuse(reader.Required("operation").source(),
            "there is no operation " + Quoted(fault.operation) + " that could fail");
   }
-  fault.device = ToInt(reader.OptionalInteger("device", 0, device_count - 1));
+  fault.device = ToInt(reader.OptionalInteger("device", 0, kMaxInt));
+  if (fault.device && *fault.device >= device_count) {
+    Refuse(reader.Required("device").source(),
+           "there is no device " + std::to_string(*fault.device));
+  }
   fault.call = ToInt(reader.OptionalInteger("call", 1, kMaxInt));
   const std::string name = reader.Text("status");
   const auto status = StatusNamed(name);

@@ -77,6 +77,7 @@ hipError_t Runtime::Allocate(int device, std::size_t size, void** address) {
     return hipErrorOutOfMemory;
   }
   allocations_[next_address_] = {device, size};
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): nothing is ever to be read there.
   *address = reinterpret_cast<void*>(next_address_);
   next_address_ += (size + kPage - 1) / kPage * kPage;
   owner.free_memory -= size;

@@ -100,7 +100,7 @@ void CallMemory() {
 
 // Also for numbers that are no status.
 void CallErrorTexts(int end) {
-  for (int number = -1; number < end; ++number) {
+  for (int number = 0; number < end; ++number) {
     const auto status = static_cast<hipError_t>(number);
     std::cout << number << ": " << hipGetErrorName(status) << ", " << hipGetErrorString(status)
               << '\n';

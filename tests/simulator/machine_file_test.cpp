@@ -173,7 +173,7 @@ TEST(MachineFile, RefusesStatusesThatAreNoFailure) {
 
 TEST(MachineFile, RefusesFaultsOfDevicesThatNobodyCounts) {
   const std::string fault = "operation = 'hipSetDevice'\nstatus = 'hipErrorUnknown'\ndevice = 1\n";
-  EXPECT_EQ(ComplaintAbout(Fault(fault)), "m.toml:10:10: 'device' must be from 0 to 0");
+  EXPECT_EQ(ComplaintAbout(Fault(fault)), "m.toml:10:10: there is no device 1");
   EXPECT_EQ(ComplaintAbout("claimed_device_count = 2\n" + Fault(fault)), "");
 }
 
