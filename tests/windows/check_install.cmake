@@ -1,7 +1,9 @@
 # Installs what a Windows machine gets and follows its imports: every DLL is either there or the
-# system's own, but for the HIP runtime, which comes with the graphics driver.
+# system's own, but for the HIP runtime, which comes with the graphics driver. Then runs the harness
+# there, without that runtime and with a simulated one.
 #
-#   cmake -D BUILD=... -D WORK=... -D OBJDUMP=... -D HIP_DLL=... -P check_install.cmake
+#   cmake -D BUILD=... -D WORK=... -D OBJDUMP=... -D HIP_DLL=... -D EMULATOR=... -D SIMULATOR=...
+#         -P check_install.cmake
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -42,3 +44,21 @@ foreach(image IN LISTS images)
     message(FATAL_ERROR "${image} needs ${imports}")
   endif()
 endforeach()
+
+function(run_harness)
+  execute_process(COMMAND ${EMULATOR} "${prefix}/bin/kestrel-harness.exe" --hardware-test -s 0
+                  OUTPUT_VARIABLE output RESULT_VARIABLE status)
+  set(output "${output}" PARENT_SCOPE)
+  set(status "${status}" PARENT_SCOPE)
+endfunction()
+
+# The loader ends the program with STATUS_DLL_NOT_FOUND, 0xC0000135; Wine hands on the last byte, 53.
+run_harness()
+if(NOT status EQUAL 53 OR NOT output STREQUAL "")
+  message(FATAL_ERROR "Without the HIP runtime: exit status ${status}\n${output}")
+endif()
+file(COPY_FILE "${SIMULATOR}" "${prefix}/bin/${HIP_DLL}")
+run_harness()
+if(NOT status EQUAL 0 OR NOT output MATCHES "CPU Architecture: x86_64")
+  message(FATAL_ERROR "With a HIP runtime: exit status ${status}\n${output}")
+endif()
