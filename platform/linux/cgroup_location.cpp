@@ -30,6 +30,8 @@ bool Lists(std::string_view items, std::string_view item) noexcept {
   return false;
 }
 
+bool IsAbsolute(std::string_view path) noexcept { return path.substr(0, 1) == "/"; }
+
 // With the root as "", every path is a (possibly empty) sequence of "/name".
 std::string_view WithoutRootSlash(std::string_view path) noexcept {
   return path == "/" ? std::string_view() : path;
@@ -53,7 +55,7 @@ std::optional<OwnGroup> ReadOwnGroup(std::string_view root) noexcept {
     TakeField(*line, ':');
     const std::string_view controllers = TakeField(*line, ':');
     const bool memory_v1 = Lists(controllers, "memory");
-    if (memory_v1 || controllers.empty()) {
+    if ((memory_v1 || controllers.empty()) && IsAbsolute(*line)) {
       own.emplace();
       own->version = memory_v1 ? CgroupVersion::kV1 : CgroupVersion::kV2;
       if (!own->path.Append(WithoutRootSlash(*line))) {
@@ -93,7 +95,11 @@ std::optional<Mount> ParseMemoryMount(std::string_view line, CgroupVersion versi
     TakeField(line, ' ');
   }
   const std::string_view mount_root = TakeField(line, ' ');
-  return Mount{WithoutRootSlash(mount_root), TakeField(line, ' ')};
+  const std::string_view point = TakeField(line, ' ');
+  if (!IsAbsolute(mount_root) || !IsAbsolute(point)) {
+    return std::nullopt;
+  }
+  return Mount{WithoutRootSlash(mount_root), point};
 }
 
 bool IsOctal(char digit) noexcept { return digit >= '0' && digit <= '7'; }
