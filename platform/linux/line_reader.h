@@ -12,6 +12,9 @@ namespace kestrel::platform {
 // The lines of a text file of any length, one at a time through a buffer of fixed size.
 class LineReader {
  public:
+  // What a line and its newline must fit into.
+  static constexpr std::size_t kCapacity = 2048;
+
   explicit LineReader(const char* path) noexcept;
 
   // The next line without its newline, valid until the next call. Nothing at the end, at a failure
@@ -24,7 +27,7 @@ class LineReader {
   bool Refill() noexcept;
 
   FileDescriptor file_;
-  std::array<char, 4096> buffer_;  // the text from begin_ to end_ is still to be given out
+  std::array<char, kCapacity> buffer_;  // the text from begin_ to end_ is still to be given out
   std::size_t begin_ = 0;
   std::size_t end_ = 0;
   bool in_long_line_ = false;

@@ -2,16 +2,18 @@
 
 #include <algorithm>
 #include <array>
-#include <climits>
 #include <cstddef>
 #include <string_view>
 
 namespace kestrel::platform {
 
-// A path put together piece by piece, without heap memory. It holds the longest one that Linux
-// opens: PATH_MAX bytes with the closing NUL (limits.h).
+// A path put together piece by piece, without heap memory.
 class PathBuffer {
  public:
+  // With the closing NUL. Half of what Linux opens (PATH_MAX), and several times what container
+  // runtimes build: threads of a host may have little stack.
+  static constexpr std::size_t kCapacity = 2048;
+
   PathBuffer() noexcept { text_[0] = '\0'; }
 
   // False, and the path unchanged, if the piece does not fit.
@@ -34,7 +36,7 @@ class PathBuffer {
   [[nodiscard]] const char* c_str() const noexcept { return text_.data(); }
 
  private:
-  std::array<char, PATH_MAX> text_;  // as much of it as is used
+  std::array<char, kCapacity> text_;  // as much of it as is used
   std::size_t size_ = 0;
 };
 

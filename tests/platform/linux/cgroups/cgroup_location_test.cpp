@@ -171,17 +171,17 @@ TEST_F(CgroupLocationTest, ALineThatDoesNotFitIsPassedOver) {
 }
 
 TEST_F(CgroupLocationTest, APathThatDoesNotFitIsPassedOver) {
-  const std::string groups = "0::/" + std::string(3500, 'a') + "/b\n";
+  const std::string groups = "0::/" + std::string(1500, 'a') + "/b\n";
   const std::string long_mount = MountV2("/", "/" + std::string(600, 'm'));
   EXPECT_EQ(Find(groups, long_mount), "none");
-  const std::string part = "/" + std::string(3500, 'a');
+  const std::string part = "/" + std::string(1500, 'a');
   EXPECT_EQ(Find(groups, long_mount + MountV2(part, "/part")), "v2 /part|/b");
 }
 
 TEST_F(CgroupLocationTest, NoPathFitsBelowAVeryLongRoot) {
   tree_.WriteGroups("0::/a\n");
   tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
-  EXPECT_FALSE(FindMemoryCgroup(tree_.root() + std::string(PATH_MAX, '/')));
+  EXPECT_FALSE(FindMemoryCgroup(tree_.root() + std::string(PathBuffer::kCapacity, '/')));
 }
 
 TEST_F(CgroupLocationTest, MissingFilesMeanNoGroup) {

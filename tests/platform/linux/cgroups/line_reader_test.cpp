@@ -13,7 +13,7 @@ namespace {
 
 using testing::MachineTree;
 
-constexpr std::size_t kBufferSize = 4096;
+constexpr std::size_t kCapacity = LineReader::kCapacity;
 
 std::vector<std::string> LinesOf(const std::string& path) {
   std::vector<std::string> lines;
@@ -57,7 +57,7 @@ TEST_F(LineReaderTest, AFileThatCannotBeReadHasNoLines) {
 TEST_F(LineReaderTest, JoinsLinesAcrossReads) {
   Strings expected;
   std::string text;
-  for (std::size_t length = 0; length < 3000; length += 7) {
+  for (std::size_t length = 0; length < kCapacity; length += 7) {
     expected.emplace_back(length, 'x');
     text += expected.back() + "\n";
   }
@@ -65,13 +65,13 @@ TEST_F(LineReaderTest, JoinsLinesAcrossReads) {
 }
 
 TEST_F(LineReaderTest, GivesALineThatJustFits) {
-  const std::string fits(kBufferSize - 1, 'x');
+  const std::string fits(kCapacity - 1, 'x');
   EXPECT_EQ(Lines("a\n" + fits + "\nb\n"), Strings({"a", fits, "b"}));
 }
 
 TEST_F(LineReaderTest, LeavesOutLinesThatDoNotFit) {
   for (const std::size_t length :
-       {kBufferSize, kBufferSize + 1, 2 * kBufferSize - 1, 2 * kBufferSize, 10 * kBufferSize}) {
+       {kCapacity, kCapacity + 1, 2 * kCapacity - 1, 2 * kCapacity, 10 * kCapacity}) {
     EXPECT_EQ(Lines("a\n" + std::string(length, 'x') + "\nb\n"), Strings({"a", "b"})) << length;
   }
 }
@@ -85,19 +85,20 @@ TEST_F(LineReaderTest, StopsAfterAMebibyte) {
   EXPECT_EQ(Lines(text).size(), 1024U);
 }
 
-TEST(PathBufferTest, HoldsTheLongestPathThatOpens) {
+TEST(PathBufferTest, KeepsRoomForTheClosingNul) {
+  constexpr std::size_t kLongest = PathBuffer::kCapacity - 1;
   PathBuffer path;
-  EXPECT_TRUE(path.Append(std::string(PATH_MAX - 1, 'x')));
-  EXPECT_EQ(path.view().size(), std::size_t{PATH_MAX - 1});
-  EXPECT_EQ(path.c_str()[PATH_MAX - 1], '\0');
+  EXPECT_TRUE(path.Append(std::string(kLongest, 'x')));
+  EXPECT_EQ(path.view().size(), kLongest);
+  EXPECT_EQ(path.c_str()[kLongest], '\0');
 }
 
 TEST(PathBufferTest, StaysUnchangedWhenAPieceDoesNotFit) {
   PathBuffer path;
   EXPECT_TRUE(path.Append("/a"));
-  EXPECT_FALSE(path.Append(std::string(PATH_MAX - 2, 'x')));
+  EXPECT_FALSE(path.Append(std::string(PathBuffer::kCapacity - 2, 'x')));
   EXPECT_STREQ(path.c_str(), "/a");
-  EXPECT_TRUE(path.Append(std::string(PATH_MAX - 3, 'x')));
+  EXPECT_TRUE(path.Append(std::string(PathBuffer::kCapacity - 3, 'x')));
   EXPECT_FALSE(path.Append("x"));
   EXPECT_TRUE(path.Append(""));
 }
