@@ -105,10 +105,10 @@ bool CountsChildren(PathBuffer& directory) noexcept {
 
 // "memsw" is memory and swap in one counter. The kernel keeps its limit no lower than that of
 // memory alone, so a group without the one has not the other. It need not be there at all.
-void NarrowByV1(MemoryCgroup& group, bool own, CgroupRoom& room) noexcept {
+void NarrowByV1(MemoryCgroup& group, bool is_own, CgroupRoom& room) noexcept {
   PathBuffer& directory = group.directory;
   const auto limit = ReadLimit(directory, "memory.limit_in_bytes");
-  if (!limit || (!own && !CountsChildren(directory))) {
+  if (!limit || (!is_own && !CountsChildren(directory))) {
     return;
   }
   const auto usage = ReadNumber(directory, "memory.usage_in_bytes");
@@ -135,23 +135,38 @@ bool StepUp(MemoryCgroup& group) noexcept {
   return true;
 }
 
+// With swappiness 0 nothing is swapped on behalf of a group at its limit: it is killed with all
+// swap still free. A machine that runs out of RAM swaps nevertheless.
+bool SwapsWhenFull(std::string_view root, const MemoryCgroup& own) noexcept {
+  PathBuffer directory = own.directory;
+  if (own.version == CgroupVersion::kV1) {
+    return ReadNumber(directory, "memory.swappiness") != 0U;
+  }
+  directory.Truncate(root.size());  // one setting for the whole machine
+  return ReadNumber(directory, "proc/sys/vm/swappiness") != 0U;
+}
+
 }  // namespace
 
 CgroupRoom ReadCgroupRoom(std::string_view root, bool with_swap) noexcept {
   CgroupRoom room;
-  auto group = FindMemoryCgroup(root);
-  if (!group) {
+  const auto own = FindMemoryCgroup(root);
+  if (!own) {
     return room;
   }
-  bool own = true;
+  MemoryCgroup group = *own;
+  bool is_own = true;
   do {
-    if (group->version == CgroupVersion::kV2) {
-      NarrowByV2(*group, with_swap, room);
+    if (group.version == CgroupVersion::kV2) {
+      NarrowByV2(group, with_swap, room);
     } else {
-      NarrowByV1(*group, own, room);
+      NarrowByV1(group, is_own, room);
     }
-    own = false;
-  } while (StepUp(*group));
+    is_own = false;
+  } while (StepUp(group));
+  if (with_swap && room.physical != CgroupRoom::kUnlimited) {
+    room.swaps_when_full = SwapsWhenFull(root, *own);
+  }
   return room;
 }
 

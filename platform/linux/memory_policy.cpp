@@ -23,8 +23,8 @@ MemoryStatus ToMemoryStatus(const Meminfo& meminfo, bool strict_overcommit,
     beyond = commit_left - available;
   }
   if (room.physical < meminfo.available) {
-    // The commit limit is a promise of the machine; a group that is full has only swap.
-    beyond = std::min(beyond, meminfo.swap_free);
+    // The commit limit is a promise of the machine; a group that is full has at best swap.
+    beyond = room.swaps_when_full ? std::min(beyond, meminfo.swap_free) : 0;
   }
   return {meminfo.total, available, std::min({beyond, room.swap, room.together - available})};
 }

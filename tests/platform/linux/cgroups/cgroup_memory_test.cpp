@@ -201,6 +201,15 @@ TEST_F(CgroupMemoryV2Test, SwapIsNotLookedAtOnAMachineWithoutIt) {
   EXPECT_EQ(room.physical, 900U);
 }
 
+TEST_F(CgroupMemoryV2Test, WithSwappiness0AFullGroupDoesNotSwap) {
+  WriteGroup("/a/b", "1000", "100");
+  EXPECT_TRUE(Read().swaps_when_full);
+  tree_.Write("/proc/sys/vm/swappiness", "0\n");
+  EXPECT_FALSE(Read().swaps_when_full);
+  tree_.Write("/proc/sys/vm/swappiness", "1\n");
+  EXPECT_TRUE(Read().swaps_when_full);
+}
+
 class CgroupMemoryV1Test : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -287,6 +296,17 @@ TEST_F(CgroupMemoryV1Test, TheOwnGroupsLimitHoldsWithoutHierarchy) {
   WriteGroup("/a/b", "1000", "100");
   Write("/a/b", "use_hierarchy", "0\n");
   EXPECT_EQ(Read().physical, 900U);
+}
+
+TEST_F(CgroupMemoryV1Test, WithSwappiness0OfItsOwnAFullGroupDoesNotSwap) {
+  tree_.Write("/proc/sys/vm/swappiness", "0\n");
+  WriteGroup("/a", "1000", "100");
+  Write("/a", "swappiness", "0\n");
+  EXPECT_TRUE(Read().swaps_when_full);
+  Write("/a/b", "swappiness", "0\n");
+  EXPECT_FALSE(Read().swaps_when_full);
+  Write("/a/b", "swappiness", "60\n");
+  EXPECT_TRUE(Read().swaps_when_full);
 }
 
 TEST_F(CgroupMemoryV1Test, AnUnreadableFigureMeansNoLimit) {

@@ -61,6 +61,16 @@ TEST(CgroupPolicyTest, TheMachineMayBeTighterThanALimitOnBoth) {
   ExpectStatus(ToMemoryStatus(Machine(), false, {11000, kUnlimited, 11000}), 10000, 1000);
 }
 
+TEST(CgroupPolicyTest, AFullGroupThatDoesNotSwapHasNothingBeyondItsRam) {
+  ExpectStatus(ToMemoryStatus(Machine(), false, {4000, kUnlimited, kUnlimited, false}), 4000, 0);
+  ExpectStatus(ToMemoryStatus(Machine(), true, {4000, kUnlimited, kUnlimited, false}), 4000, 0);
+}
+
+TEST(CgroupPolicyTest, AFullMachineSwapsWhateverItsGroupsDo) {
+  ExpectStatus(ToMemoryStatus(Machine(), false, {10000, kUnlimited, kUnlimited, false}), 10000,
+               2000);
+}
+
 TEST(CgroupPolicyTest, StrictOvercommitWithoutLimitsPromisesTheRestOfTheCommitLimit) {
   ExpectStatus(ToMemoryStatus(Machine(), true), 7000, 0);
   Meminfo machine = Machine();
