@@ -36,11 +36,15 @@ if(WIN32)
 else()
   add_library(
     kestrelcore_platform OBJECT
+    platform/linux/cgroup_location.cpp
+    platform/linux/cgroup_memory.cpp
     platform/linux/clock.cpp
+    platform/linux/line_reader.cpp
     platform/linux/machine_name.cpp
     platform/linux/meminfo.cpp
     platform/linux/memory.cpp
     platform/linux/memory_policy.cpp
+    platform/linux/memory_status.cpp
     platform/linux/process.cpp
     platform/linux/processor.cpp
     platform/linux/statm.cpp

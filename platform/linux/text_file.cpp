@@ -36,6 +36,17 @@ std::optional<std::string_view> ReadTextFile(const char* path, char* buffer,
   return file.is_open() ? ReadFromStart(file.get(), buffer, size) : std::nullopt;
 }
 
+std::optional<std::string_view> FindLine(std::string_view text,
+                                         std::string_view beginning) noexcept {
+  for (std::size_t end = 0; (end = text.find('\n')) != std::string_view::npos;) {
+    if (end >= beginning.size() && text.substr(0, beginning.size()) == beginning) {
+      return text.substr(beginning.size(), end - beginning.size());
+    }
+    text.remove_prefix(end + 1);
+  }
+  return std::nullopt;
+}
+
 std::optional<std::uint64_t> TakeNumber(std::string_view& text) noexcept {
   std::uint64_t number = 0;
   const char* const end = text.data() + text.size();

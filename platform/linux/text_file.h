@@ -37,6 +37,11 @@ class FileDescriptor {
 [[nodiscard]] std::optional<std::string_view> ReadTextFile(const char* path, char* buffer,
                                                            std::size_t size) noexcept;
 
+// What follows `beginning` on the first whole line that begins with it. A last line without a
+// newline was cut off, since the kernel ends every line, and is not looked at.
+[[nodiscard]] std::optional<std::string_view> FindLine(std::string_view text,
+                                                       std::string_view beginning) noexcept;
+
 // Takes a decimal number off the front of the text; nothing, and the text unchanged, if it does
 // not begin with one or that exceeds 64 bits.
 [[nodiscard]] std::optional<std::uint64_t> TakeNumber(std::string_view& text) noexcept;

@@ -80,7 +80,13 @@ ChildProcess::ChildProcess(const std::function<void()>& body) : pid_(fork()) {
   }
 }
 
-void ChildProcess::AwaitZombie() const {
+void ChildProcess::AwaitEnd() const {
+  siginfo_t info{};
+  while (waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOWAIT) < 0 && errno == EINTR) {
+  }
+}
+
+void ChildProcess::AwaitFirstThreadsEnd() const {
   const std::string path = "/proc/" + std::to_string(pid_) + "/stat";
   std::string text;
   do {

@@ -17,8 +17,10 @@ class ChildProcess {
 
   [[nodiscard]] pid_t pid() const { return pid_; }
 
-  // Waits until the process, or its first thread, has ended and nobody has taken note of it.
-  void AwaitZombie() const;
+  // Waits until the whole process has ended; it stays a zombie.
+  void AwaitEnd() const;
+  // Waits until its first thread has ended, whatever others do.
+  void AwaitFirstThreadsEnd() const;
   void KillAndReap();
 
  private:

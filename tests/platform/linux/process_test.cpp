@@ -72,7 +72,7 @@ TEST(LinuxProcessTest, APidIsNotTakenForItsAliases) {
 
 TEST(LinuxProcessTest, AZombieHasItsFinalTimesAndNoMemory) {
   const ChildProcess child([] {});
-  child.AwaitZombie();
+  child.AwaitEnd();
   const auto process = Process::Open(child.pid(), ProcessRights::kTimes);
   ASSERT_TRUE(process);
   const auto first = process->Times();
@@ -104,7 +104,7 @@ TEST(LinuxProcessTest, AProcessThatEndsWhileOpenKeepsItsTimesUntilItIsReaped) {
   const auto process = Process::Open(child.pid(), ProcessRights::kTimes);
   ASSERT_TRUE(process);
   kill(child.pid(), SIGKILL);
-  child.AwaitZombie();
+  child.AwaitEnd();
   EXPECT_TRUE(process->Times());
 }
 
@@ -139,7 +139,7 @@ void LiveWithoutFirstThread() {
 
 TEST(LinuxProcessTest, AProcessWhoseFirstThreadHasEndedIsMeasuredInFull) {
   const ChildProcess child(LiveWithoutFirstThread);
-  child.AwaitZombie();
+  child.AwaitFirstThreadsEnd();
   for (const ProcessRights rights : kBothRights) {
     const auto process = Process::Open(child.pid(), rights);
     ASSERT_TRUE(process);

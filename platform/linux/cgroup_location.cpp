@@ -1,0 +1,186 @@
+#include "platform/linux/cgroup_location.h"
+
+#include <algorithm>
+
+#include "platform/linux/line_reader.h"
+
+namespace kestrel::platform {
+
+namespace {
+
+// Both files are the calling thread's, not those of "/proc/self": that is the first thread, and
+// once it has ended while others run, its version 1 groups read as "/" and its mounts not at all.
+constexpr std::string_view kGroupsFile = "/proc/thread-self/cgroup";
+constexpr std::string_view kMountsFile = "/proc/thread-self/mountinfo";
+
+// Takes the text up to the separator off the front, and the separator with it.
+std::string_view TakeField(std::string_view& text, char separator) noexcept {
+  const std::size_t length = std::min(text.find(separator), text.size());
+  const std::string_view field = text.substr(0, length);
+  text.remove_prefix(std::min(length + 1, text.size()));
+  return field;
+}
+
+bool Lists(std::string_view items, std::string_view item) noexcept {
+  while (!items.empty()) {
+    if (TakeField(items, ',') == item) {
+      return true;
+    }
+  }
+  return false;
+}
+
+bool IsAbsolute(std::string_view path) noexcept { return path.substr(0, 1) == "/"; }
+
+// With the root as "", every path is a (possibly empty) sequence of "/name".
+std::string_view WithoutRootSlash(std::string_view path) noexcept {
+  return path == "/" ? std::string_view() : path;
+}
+
+struct OwnGroup {
+  CgroupVersion version = CgroupVersion::kV2;
+  PathBuffer path;
+};
+
+// Lines are "4:cpu,memory:/path" for version 1 and "0::/path" for version 2 (cgroups(7)). The path
+// may hold colons, but no newline, and nothing in it is escaped.
+std::optional<OwnGroup> ReadOwnGroup(std::string_view root) noexcept {
+  PathBuffer file;
+  if (!file.Append(root) || !file.Append(kGroupsFile)) {
+    return std::nullopt;
+  }
+  std::optional<OwnGroup> own;
+  LineReader lines(file.c_str());
+  while (auto line = lines.Next()) {
+    TakeField(*line, ':');
+    const std::string_view controllers = TakeField(*line, ':');
+    const bool memory_v1 = Lists(controllers, "memory");
+    if ((memory_v1 || controllers.empty()) && IsAbsolute(*line)) {
+      own.emplace();
+      own->version = memory_v1 ? CgroupVersion::kV1 : CgroupVersion::kV2;
+      if (!own->path.Append(WithoutRootSlash(*line))) {
+        own.reset();
+      }
+    }
+    if (memory_v1) {
+      break;
+    }
+  }
+  return own;
+}
+
+struct Mount {
+  std::string_view root;   // the group that is seen at the mount point
+  std::string_view point;  // both still escaped
+};
+
+// A line is "35 31 0:32 <root> <mount point> <options> [<tag>...] - <type> <source> <options>"
+// (proc_pid_mountinfo(5)).
+std::optional<Mount> ParseMemoryMount(std::string_view line, CgroupVersion version) noexcept {
+  constexpr std::string_view kSeparator = " - ";
+  const std::size_t separator = line.find(kSeparator);
+  if (separator == std::string_view::npos) {
+    return std::nullopt;
+  }
+  std::string_view file_system = line.substr(separator + kSeparator.size());
+  const std::string_view type = TakeField(file_system, ' ');
+  TakeField(file_system, ' ');
+  const bool fits = version == CgroupVersion::kV2
+                        ? type == "cgroup2"
+                        : type == "cgroup" && Lists(file_system, "memory");
+  if (!fits) {
+    return std::nullopt;
+  }
+  for (int field = 0; field < 3; ++field) {
+    TakeField(line, ' ');
+  }
+  const std::string_view mount_root = TakeField(line, ' ');
+  const std::string_view point = TakeField(line, ' ');
+  if (!IsAbsolute(mount_root) || !IsAbsolute(point)) {
+    return std::nullopt;
+  }
+  return Mount{WithoutRootSlash(mount_root), point};
+}
+
+bool IsOctal(char digit) noexcept { return digit >= '0' && digit <= '7'; }
+
+// Mount tables write blanks, tabs, newlines and backslashes as a backslash and three octal digits.
+// Unit names are full of backslashes ("a\x2db.slice"), so this is no rarity.
+char TakeUnescaped(std::string_view& text) noexcept {
+  if (text.size() >= 4 && text[0] == '\\' && IsOctal(text[1]) && IsOctal(text[2]) &&
+      IsOctal(text[3])) {
+    const int code = (text[1] - '0') * 64 + (text[2] - '0') * 8 + (text[3] - '0');
+    text.remove_prefix(4);
+    return static_cast<char>(code);
+  }
+  const char plain = text.front();
+  text.remove_prefix(1);
+  return plain;
+}
+
+bool AppendUnescaped(PathBuffer& path, std::string_view escaped) noexcept {
+  while (!escaped.empty()) {
+    const char character = TakeUnescaped(escaped);
+    if (!path.Append({&character, 1})) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// The group's path as seen from the mount's root; nothing if the mount does not show the group.
+// Both paths are relative to the root of the reader's cgroup namespace, and lead out of it by
+// "/..". What remains of that after the mount's root is outside the mount.
+std::optional<std::string_view> PathBelow(std::string_view mount_root,
+                                          std::string_view group) noexcept {
+  while (!mount_root.empty()) {
+    if (group.empty() || group.front() != TakeUnescaped(mount_root)) {
+      return std::nullopt;
+    }
+    group.remove_prefix(1);
+  }
+  const bool whole_name = group.empty() || group.front() == '/';
+  const bool outside = group.substr(0, 4) == "/../" || group == "/..";
+  return whole_name && !outside ? std::optional(group) : std::nullopt;
+}
+
+bool Place(MemoryCgroup& group, std::string_view root, std::string_view escaped_mount_point,
+           std::string_view below) noexcept {
+  if (!group.directory.Append(root) || !AppendUnescaped(group.directory, escaped_mount_point)) {
+    return false;
+  }
+  group.top = group.directory.view().size();
+  return group.directory.Append(below);
+}
+
+}  // namespace
+
+// Several mounts may show the group: the one that shows the most of its path, and with it the most
+// ancestors, is wanted. Container runtimes mount only a part of the hierarchy.
+std::optional<MemoryCgroup> FindMemoryCgroup(std::string_view root) noexcept {
+  const auto own = ReadOwnGroup(root);
+  PathBuffer file;
+  if (!own || !file.Append(root) || !file.Append(kMountsFile)) {
+    return std::nullopt;
+  }
+  std::optional<MemoryCgroup> best;
+  std::size_t most_shown = 0;
+  LineReader lines(file.c_str());
+  while (const auto line = lines.Next()) {
+    const auto mount = ParseMemoryMount(*line, own->version);
+    const auto below = mount ? PathBelow(mount->root, own->path.view()) : std::nullopt;
+    MemoryCgroup group{own->version, {}, 0};
+    if (!below || (best && below->size() <= most_shown) ||
+        !Place(group, root, mount->point, *below)) {
+      continue;
+    }
+    best = group;
+    most_shown = below->size();
+    if (most_shown == own->path.view().size()) {
+      break;  // nothing can show more
+    }
+  }
+  return best;
+}
+
+}  // namespace kestrel::platform

@@ -1,0 +1,60 @@
+#include "platform/linux/line_reader.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+namespace kestrel::platform {
+
+namespace {
+
+// The kernel writes such a text while it is read, and no more than was asked for: whoever finds an
+// early line should not have paid for the late ones.
+constexpr std::size_t kReadSize = 1024;
+constexpr int kMaximumReads = 1024;
+
+}  // namespace
+
+LineReader::LineReader(const char* path) noexcept
+    : file_(AT_FDCWD, path), reads_left_(file_.is_open() ? kMaximumReads : 0) {}
+
+std::optional<std::string_view> LineReader::Next() noexcept {
+  for (;;) {
+    const std::string_view text(buffer_.data() + begin_, end_ - begin_);
+    const std::size_t length = text.find('\n');
+    if (length != std::string_view::npos) {
+      begin_ += length + 1;
+      if (!in_long_line_) {
+        return text.substr(0, length);
+      }
+      in_long_line_ = false;  // this was its end
+    } else if (!Refill()) {
+      return std::nullopt;
+    }
+  }
+}
+
+bool LineReader::Refill() noexcept {
+  std::copy(buffer_.begin() + begin_, buffer_.begin() + end_, buffer_.begin());
+  end_ -= begin_;
+  begin_ = 0;
+  if (end_ == buffer_.size()) {
+    end_ = 0;
+    in_long_line_ = true;
+  }
+  const std::size_t size = std::min(kReadSize, buffer_.size() - end_);
+  ssize_t count = -1;
+  while (count < 0 && reads_left_ > 0) {
+    --reads_left_;
+    count = read(file_.get(), buffer_.data() + end_, size);
+    if (count < 0 && errno != EINTR) {
+      break;
+    }
+  }
+  end_ += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+  return count > 0;
+}
+
+}  // namespace kestrel::platform

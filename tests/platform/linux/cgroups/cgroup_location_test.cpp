@@ -1,0 +1,209 @@
+#include "platform/linux/cgroup_location.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/platform/linux/cgroups/machine_tree.h"
+
+namespace kestrel::platform {
+namespace {
+
+using testing::MachineTree;
+using testing::MountV1;
+using testing::MountV2;
+
+class CgroupLocationTest : public ::testing::Test {
+ protected:
+  // The version and the directory, with a bar where the topmost ancestor ends.
+  std::string Find(const std::string& groups, const std::string& mounts) {
+    tree_.WriteGroups(groups);
+    tree_.WriteMounts(mounts);
+    return Find();
+  }
+
+  std::string Find() {
+    const std::string root = tree_.root();
+    const auto group = FindMemoryCgroup(root);
+    if (!group) {
+      return "none";
+    }
+    std::string directory(group->directory.view());
+    directory.insert(group->top, "|");
+    EXPECT_EQ(directory.substr(0, root.size()), root);
+    return (group->version == CgroupVersion::kV1 ? "v1 " : "v2 ") + directory.substr(root.size());
+  }
+
+  MachineTree tree_;
+};
+
+TEST_F(CgroupLocationTest, TheGroupLiesBelowTheMountPoint) {
+  EXPECT_EQ(Find("0::/a.slice/b.scope\n", MountV2("/", "/sys/fs/cgroup")),
+            "v2 /sys/fs/cgroup|/a.slice/b.scope");
+}
+
+TEST_F(CgroupLocationTest, TheRootGroupIsTheMountPoint) {
+  EXPECT_EQ(Find("0::/\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|");
+}
+
+TEST_F(CgroupLocationTest, Version1IsFoundByItsController) {
+  const std::string mounts = "34 31 0:31 / /sys/fs/cgroup/cpuset rw - cgroup cgroup rw,cpuset\n" +
+                             MountV1("/", "/sys/fs/cgroup/memory");
+  EXPECT_EQ(Find("5:cpuset:/x\n4:memory:/a\n1:name=systemd:/y\n", mounts),
+            "v1 /sys/fs/cgroup/memory|/a");
+}
+
+TEST_F(CgroupLocationTest, Version1MayShareItsHierarchyWithOtherControllers) {
+  EXPECT_EQ(Find("2:cpu,memory,pids:/a\n",
+                 "34 31 0:31 / /mnt/all rw - cgroup cgroup rw,xattr,cpu,memory,pids\n"),
+            "v1 /mnt/all|/a");
+}
+
+TEST_F(CgroupLocationTest, AHierarchyNamedMemoryIsNotTheController) {
+  EXPECT_EQ(
+      Find("2:name=memory:/a\n", "34 31 0:31 / /mnt/named rw - cgroup cgroup rw,name=memory\n"),
+      "none");
+}
+
+TEST_F(CgroupLocationTest, Version1HasTheControllerWhereBothAreMounted) {
+  const std::string mounts = MountV2("/", "/sys/fs/cgroup/unified") + MountV1("/", "/memory");
+  EXPECT_EQ(Find("4:memory:/old\n0::/new\n", mounts), "v1 /memory|/old");
+  EXPECT_EQ(Find("0::/new\n4:memory:/old\n", mounts), "v1 /memory|/old");
+  EXPECT_EQ(Find("4:cpu:/old\n0::/new\n", mounts), "v2 /sys/fs/cgroup/unified|/new");
+}
+
+TEST_F(CgroupLocationTest, AMountOfTheOtherVersionDoesNotShowTheGroup) {
+  EXPECT_EQ(Find("4:memory:/a\n", MountV2("/", "/sys/fs/cgroup")), "none");
+  EXPECT_EQ(Find("0::/a\n", MountV1("/", "/sys/fs/cgroup/memory")), "none");
+}
+
+TEST_F(CgroupLocationTest, AMountedPartHasItsRootAtTheMountPoint) {
+  EXPECT_EQ(Find("0::/docker/f00\n", MountV2("/docker/f00", "/sys/fs/cgroup")),
+            "v2 /sys/fs/cgroup|");
+  EXPECT_EQ(Find("0::/docker/f00/sub\n", MountV2("/docker/f00", "/sys/fs/cgroup")),
+            "v2 /sys/fs/cgroup|/sub");
+}
+
+TEST_F(CgroupLocationTest, AMountedPartDoesNotShowItsNeighbours) {
+  EXPECT_EQ(Find("0::/docker/f00d\n", MountV2("/docker/f00", "/sys/fs/cgroup")), "none");
+  EXPECT_EQ(Find("0::/docker\n", MountV2("/docker/f00", "/sys/fs/cgroup")), "none");
+  EXPECT_EQ(Find("0::/\n", MountV2("/docker/f00", "/sys/fs/cgroup")), "none");
+}
+
+TEST_F(CgroupLocationTest, PathsOutOfTheNamespaceMustStartTogether) {
+  EXPECT_EQ(Find("0::/../../a/b\n", MountV2("/../..", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/a/b");
+  EXPECT_EQ(Find("0::/../a/b\n", MountV2("/../a", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/b");
+  EXPECT_EQ(Find("0::/../..\n", MountV2("/../..", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|");
+}
+
+TEST_F(CgroupLocationTest, AGroupOutsideOfTheMountIsNotShown) {
+  EXPECT_EQ(Find("0::/..\n", MountV2("/", "/sys/fs/cgroup")), "none");
+  EXPECT_EQ(Find("0::/../a\n", MountV2("/", "/sys/fs/cgroup")), "none");
+  EXPECT_EQ(Find("0::/../..\n", MountV2("/..", "/sys/fs/cgroup")), "none");
+  EXPECT_EQ(Find("0::/../../a\n", MountV2("/..", "/sys/fs/cgroup")), "none");
+}
+
+// The mount's root is above the namespace's: what the groups between are called is not told.
+TEST_F(CgroupLocationTest, AGroupBelowUnknownNamesIsNotShown) {
+  EXPECT_EQ(Find("0::/\n", MountV2("/..", "/sys/fs/cgroup")), "none");
+  EXPECT_EQ(Find("0::/a\n", MountV2("/../..", "/sys/fs/cgroup")), "none");
+}
+
+TEST_F(CgroupLocationTest, ANameThatOnlyBeginsWithDotsIsAName) {
+  EXPECT_EQ(Find("0::/..a/..\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/..a/..");
+}
+
+TEST_F(CgroupLocationTest, TheMountThatShowsMostIsTaken) {
+  const std::string part = MountV2("/a", "/part");
+  const std::string whole = MountV2("/", "/whole");
+  const std::string own = MountV2("/a/b", "/own");
+  EXPECT_EQ(Find("0::/a/b\n", part + whole + own), "v2 /whole|/a/b");
+  EXPECT_EQ(Find("0::/a/b\n", own + part), "v2 /part|/b");
+  EXPECT_EQ(Find("0::/a/b\n", part + own), "v2 /part|/b");
+  EXPECT_EQ(Find("0::/a/b\n", own + MountV2("/c", "/other")), "v2 /own|");
+}
+
+TEST_F(CgroupLocationTest, OfEqualMountsTheFirstIsTaken) {
+  EXPECT_EQ(Find("0::/a/b\n", MountV2("/a", "/one") + MountV2("/a", "/two")), "v2 /one|/b");
+}
+
+TEST_F(CgroupLocationTest, ColonsAndBlanksInAGroupsNameAreItsOwn) {
+  EXPECT_EQ(Find("0::/a:b/c d\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/a:b/c d");
+}
+
+TEST_F(CgroupLocationTest, EscapesInTheMountTableAreUndone) {
+  EXPECT_EQ(Find("0::/a/x\n", MountV2("/", "/my\\040groups\\011x\\134y")),
+            "v2 /my groups\tx\\y|/a/x");
+  EXPECT_EQ(Find("0::/a\\x2db.slice/c\n", MountV2("/a\\134x2db.slice", "/sys/fs/cgroup")),
+            "v2 /sys/fs/cgroup|/c");
+}
+
+TEST_F(CgroupLocationTest, WhatOnlyResemblesAnEscapeStays) {
+  EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\04")), "v2 /a\\04|");
+  EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\048")), "v2 /a\\048|");
+  EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\x2db\\")), "v2 /a\\x2db\\|");
+}
+
+TEST_F(CgroupLocationTest, TagsAndSourcesOfAMountDoNotMatter) {
+  const std::string head = "30 23 0:26 / /sys/fs/cgroup rw";
+  for (const std::string tail :
+       {" - cgroup2 cgroup2 rw", " shared:9 - cgroup2 none rw", " - cgroup2  rw",
+        " shared:9 master:2 propagate_from:1 unbindable - cgroup2 a\\040b rw", " - cgroup2"}) {
+    EXPECT_EQ(Find("0::/a\n", head + tail + "\n"), "v2 /sys/fs/cgroup|/a") << tail;
+  }
+}
+
+TEST_F(CgroupLocationTest, AVeryLongMountTableIsReadToTheEnd) {
+  std::string mounts;
+  for (int mount = 0; mount < 800; ++mount) {
+    mounts += std::to_string(100 + mount) + " 27 0:" + std::to_string(100 + mount) +
+              " / /var/lib/docker/overlay2/" + std::to_string(mount) +
+              "/merged rw,relatime - overlay overlay rw,lowerdir=" + std::string(1000, 'l') + "\n";
+  }
+  EXPECT_EQ(Find("0::/a\n", mounts + MountV2("/", "/late")), "v2 /late|/a");
+}
+
+TEST_F(CgroupLocationTest, ALineThatDoesNotFitIsPassedOver) {
+  const std::string overlay =
+      "90 27 0:90 / /merged rw - overlay overlay rw,lowerdir=" + std::string(9000, 'l') + "\n";
+  EXPECT_EQ(Find("0::/a\n", overlay + MountV2("/", "/late")), "v2 /late|/a");
+  EXPECT_EQ(Find("0::/" + std::string(5000, 'a') + "\n", MountV2("/", "/late")), "none");
+}
+
+TEST_F(CgroupLocationTest, APathThatDoesNotFitIsPassedOver) {
+  const std::string groups = "0::/" + std::string(1500, 'a') + "/b\n";
+  const std::string long_mount = MountV2("/", "/" + std::string(600, 'm'));
+  EXPECT_EQ(Find(groups, long_mount), "none");
+  const std::string part = "/" + std::string(1500, 'a');
+  EXPECT_EQ(Find(groups, long_mount + MountV2(part, "/part")), "v2 /part|/b");
+}
+
+TEST_F(CgroupLocationTest, NoPathFitsBelowAVeryLongRoot) {
+  tree_.WriteGroups("0::/a\n");
+  tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
+  EXPECT_FALSE(FindMemoryCgroup(tree_.root() + std::string(PathBuffer::kCapacity, '/')));
+}
+
+TEST_F(CgroupLocationTest, MissingFilesMeanNoGroup) {
+  EXPECT_EQ(Find(), "none");
+  tree_.WriteGroups("0::/a\n");
+  EXPECT_EQ(Find(), "none");
+  tree_.WriteMounts("27 1 259:2 / / rw,relatime shared:1 - ext4 /dev/sda1 rw\n");
+  EXPECT_EQ(Find(), "none");
+}
+
+TEST_F(CgroupLocationTest, NonsenseMeansNoGroup) {
+  for (const std::string groups : {"", "\n", "0\n", "0:\n", "0::\n", "0::a\n", "nonsense\n",
+                                   "4:memory:\n", "::\n", "0::/cut off"}) {
+    EXPECT_EQ(Find(groups, MountV1("/", "/memory") + MountV2("/", "/unified")), "none") << groups;
+  }
+  for (const std::string mounts :
+       {"", "\n", " - \n", " - cgroup2\n", "30 - cgroup2 c rw\n", "\\\n", "cgroup2\n",
+        "30 23 0:26 / relative rw - cgroup2 c rw\n", "30 23 0:26 relative /sys rw - cgroup2 c rw\n",
+        "30 23 0:26 / /sys rw - cgroup2 cut off"}) {
+    EXPECT_EQ(Find("0::/a\n", mounts), "none") << mounts;
+  }
+}
+
+}  // namespace
+}  // namespace kestrel::platform
