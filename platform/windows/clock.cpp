@@ -13,7 +13,8 @@ using Clock = std::chrono::steady_clock;
 
 // The performance counter is what is behind std::chrono::steady_clock.
 std::int64_t SteadyClockNanoseconds() noexcept {
-  return std::chrono::nanoseconds(Clock::now().time_since_epoch()).count();
+  const std::chrono::nanoseconds now = Clock::now().time_since_epoch();
+  return now.count();
 }
 
 // Windows sleeps by whole milliseconds. They are rounded up here: a runtime that cuts the rest off

@@ -13,7 +13,10 @@ namespace kestrel::platform {
 
 namespace {
 
-HANDLE ToHandle(std::intptr_t handle) noexcept { return reinterpret_cast<HANDLE>(handle); }
+// A HANDLE is a number in the guise of a pointer.
+HANDLE ToHandle(std::intptr_t handle) noexcept {
+  return reinterpret_cast<HANDLE>(handle);  // NOLINT(performance-no-int-to-ptr)
+}
 
 // Just what the documentation of GetProcessTimes and of GetProcessMemoryInfo asks for.
 DWORD AccessFor(ProcessRights rights) noexcept {
@@ -29,7 +32,7 @@ std::uint64_t ToTimeUnits(const FILETIME& time) noexcept {
 }  // namespace
 
 std::optional<Process> Process::Open(int pid, ProcessRights rights) noexcept {
-  const HANDLE handle =
+  void* const handle =
       OpenProcess(AccessFor(rights), /*bInheritHandle=*/FALSE, static_cast<DWORD>(pid));
   if (handle == nullptr) {
     return std::nullopt;

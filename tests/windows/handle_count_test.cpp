@@ -43,13 +43,13 @@ TEST(HandleCount, SeesAHandleThatIsLeftOpen) {
 }
 
 TEST(HandleCount, CpuUsage) {
-  ExpectNoHandleLeft([] { EXPECT_GE(kestrel_utils::GetCpuUsage(OwnPid(), 0), 0.0f); });
+  ExpectNoHandleLeft([] { EXPECT_GE(kestrel_utils::GetCpuUsage(OwnPid(), 0), 0.0F); });
 }
 
 TEST(HandleCount, CpuUsageOfNoProcess) {
   Discard discard;
   std::streambuf* const console = std::cerr.rdbuf(&discard);
-  ExpectNoHandleLeft([] { EXPECT_EQ(kestrel_utils::GetCpuUsage(0x7FFFFFFC, 0), -1.0f); });
+  ExpectNoHandleLeft([] { EXPECT_EQ(kestrel_utils::GetCpuUsage(0x7FFFFFFC, 0), -1.0F); });
   std::cerr.rdbuf(console);
 }
 

@@ -40,7 +40,7 @@ TEST_F(PlatformCalls, ArchitectureIsThatOfSystemInfo) {
 
 TEST_F(PlatformCalls, ProcessorCountIsThatOfSystemInfo) {
   win32().system.dwNumberOfProcessors = 64;
-  EXPECT_EQ(LogicalProcessorCount(), 64u);
+  EXPECT_EQ(LogicalProcessorCount(), 64U);
   EXPECT_EQ(win32().calls, Calls{"GetSystemInfo()"});
 }
 
@@ -103,8 +103,8 @@ TEST_F(PlatformCalls, TimesJoinTheirHalves) {
   ASSERT_TRUE(process);
   const auto times = process->Times();
   ASSERT_TRUE(times);
-  EXPECT_EQ(times->kernel, 0x00000001'FFFFFFFFu);
-  EXPECT_EQ(times->user, 0x7FFFFFFF'80000000u);
+  EXPECT_EQ(times->kernel, 0x00000001'FFFFFFFFU);
+  EXPECT_EQ(times->user, 0x7FFFFFFF'80000000U);
 }
 
 TEST_F(PlatformCalls, TimesThatFailTellNothing) {
@@ -134,19 +134,19 @@ TEST_F(PlatformCalls, CountersThatFailTellNothing) {
 
 TEST_F(PlatformCalls, CpuMeterOpensSamplesTwiceCountsAndCloses) {
   win32().system.dwNumberOfProcessors = 8;
-  EXPECT_EQ(kestrel_utils::GetCpuUsage(kPid, 1), 0.0f);
+  EXPECT_EQ(kestrel_utils::GetCpuUsage(kPid, 1), 0.0F);
   EXPECT_EQ(win32().calls, (Calls{"OpenProcess(0x400, 0, 1234)", "GetProcessTimes()",
                                   "GetProcessTimes()", "GetSystemInfo()", "CloseHandle()"}));
 }
 
 TEST_F(PlatformCalls, CpuMeterClosesAfterEachSampleThatFails) {
   win32().times_successes = 0;
-  EXPECT_EQ(kestrel_utils::GetCpuUsage(kPid, 0), -1.0f);
+  EXPECT_EQ(kestrel_utils::GetCpuUsage(kPid, 0), -1.0F);
   EXPECT_EQ(win32().calls,
             (Calls{"OpenProcess(0x400, 0, 1234)", "GetProcessTimes()", "CloseHandle()"}));
   win32() = tests::Win32{};
   win32().times_successes = 1;
-  EXPECT_EQ(kestrel_utils::GetCpuUsage(kPid, 0), -1.0f);
+  EXPECT_EQ(kestrel_utils::GetCpuUsage(kPid, 0), -1.0F);
   EXPECT_EQ(win32().calls, (Calls{"OpenProcess(0x400, 0, 1234)", "GetProcessTimes()",
                                   "GetProcessTimes()", "CloseHandle()"}));
 }

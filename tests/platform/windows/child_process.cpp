@@ -56,7 +56,7 @@ void ChildProcess::End() {
 
 void ChildProcess::EndForGood() {
   End();
-  while (const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, process_.dwProcessId)) {
+  while (void* const process = OpenProcess(SYNCHRONIZE, FALSE, process_.dwProcessId)) {
     CloseHandle(process);
     Sleep(1);
   }

@@ -15,7 +15,7 @@ Win32& RecordedWin32() {
 namespace {
 
 // No handle of the system's has this value: they are multiples of four.
-const HANDLE kProcessHandle = reinterpret_cast<HANDLE>(std::intptr_t{0x1235});
+void* const kProcessHandle = reinterpret_cast<void*>(std::intptr_t{0x1235});  // NOLINT
 
 std::string HandleText(HANDLE handle) { return handle == kProcessHandle ? "" : "wrong handle"; }
 
@@ -30,7 +30,7 @@ BOOL WINAPI RecordGlobalMemoryStatusEx(MEMORYSTATUSEX* status) {
   if (win32.memory_succeeds) {
     *status = win32.memory;
   }
-  return win32.memory_succeeds;
+  return win32.memory_succeeds ? TRUE : FALSE;
 }
 
 HANDLE WINAPI RecordOpenProcess(DWORD access, BOOL inherit, DWORD pid) {
@@ -59,7 +59,7 @@ BOOL WINAPI RecordGetProcessMemoryInfo(HANDLE handle, PROCESS_MEMORY_COUNTERS* c
   win32.calls.push_back("K32GetProcessMemoryInfo(" + HandleText(handle) + std::to_string(size) +
                         ")");
   counters->WorkingSetSize = win32.working_set;
-  return win32.counters_succeed;
+  return win32.counters_succeed ? TRUE : FALSE;
 }
 
 // The test framework closes handles of its own.
@@ -79,6 +79,7 @@ BOOL WINAPI RecordCloseHandle(HANDLE handle) {
 
 // A call of a system function goes through a pointer of this name. The import library offers it
 // only to programs that do not define it themselves.
+// NOLINTBEGIN
 extern "C" {
 extern const decltype(&GetSystemInfo) __imp_GetSystemInfo = &kestrel::tests::RecordGetSystemInfo;
 extern const decltype(&GlobalMemoryStatusEx) __imp_GlobalMemoryStatusEx =
@@ -93,3 +94,4 @@ BOOL WINAPI K32GetProcessMemoryInfo(HANDLE handle, PROCESS_MEMORY_COUNTERS* coun
   return kestrel::tests::RecordGetProcessMemoryInfo(handle, counters, size);
 }
 }
+// NOLINTEND
