@@ -42,31 +42,27 @@ struct OwnGroup {
   PathBuffer path;
 };
 
-// Lines are "4:cpu,memory:/path" for version 1 and "0::/path" for version 2 (cgroups(7)). The path
-// may hold colons, but no newline, and nothing in it is escaped.
-std::optional<OwnGroup> ReadOwnGroup(std::string_view root) noexcept {
+// Whether there is one. Lines are "4:cpu,memory:/path" for version 1 and "0::/path" for version 2
+// (cgroups(7)). The path may hold colons, but no newline, and nothing in it is escaped.
+bool ReadOwnGroup(std::string_view root, OwnGroup& own) noexcept {
   PathBuffer file;
   if (!file.Append(root) || !file.Append(kGroupsFile)) {
-    return std::nullopt;
+    return false;
   }
-  std::optional<OwnGroup> own;
+  bool found = false;
+  bool memory_v1 = false;
   LineReader lines(file.c_str());
-  while (auto line = lines.Next()) {
+  while (auto line = memory_v1 ? std::nullopt : lines.Next()) {
     TakeField(*line, ':');
     const std::string_view controllers = TakeField(*line, ':');
-    const bool memory_v1 = Lists(controllers, "memory");
+    memory_v1 = Lists(controllers, "memory");
     if ((memory_v1 || controllers.empty()) && IsAbsolute(*line)) {
-      own.emplace();
-      own->version = memory_v1 ? CgroupVersion::kV1 : CgroupVersion::kV2;
-      if (!own->path.Append(WithoutRootSlash(*line))) {
-        own.reset();
-      }
-    }
-    if (memory_v1) {
-      break;
+      own.version = memory_v1 ? CgroupVersion::kV1 : CgroupVersion::kV2;
+      own.path.Truncate(0);
+      found = own.path.Append(WithoutRootSlash(*line));
     }
   }
-  return own;
+  return found;
 }
 
 struct Mount {
@@ -158,25 +154,25 @@ bool Place(MemoryCgroup& group, std::string_view root, std::string_view escaped_
 // Several mounts may show the group: the one that shows the most of its path, and with it the most
 // ancestors, is wanted. Container runtimes mount only a part of the hierarchy.
 std::optional<MemoryCgroup> FindMemoryCgroup(std::string_view root) noexcept {
-  const auto own = ReadOwnGroup(root);
+  OwnGroup own;
   PathBuffer file;
-  if (!own || !file.Append(root) || !file.Append(kMountsFile)) {
+  if (!ReadOwnGroup(root, own) || !file.Append(root) || !file.Append(kMountsFile)) {
     return std::nullopt;
   }
   std::optional<MemoryCgroup> best;
   std::size_t most_shown = 0;
   LineReader lines(file.c_str());
   while (const auto line = lines.Next()) {
-    const auto mount = ParseMemoryMount(*line, own->version);
-    const auto below = mount ? PathBelow(mount->root, own->path.view()) : std::nullopt;
-    MemoryCgroup group{own->version, {}, 0};
+    const auto mount = ParseMemoryMount(*line, own.version);
+    const auto below = mount ? PathBelow(mount->root, own.path.view()) : std::nullopt;
+    MemoryCgroup group{own.version, {}, 0};
     if (!below || (best && below->size() <= most_shown) ||
         !Place(group, root, mount->point, *below)) {
       continue;
     }
     best = group;
     most_shown = below->size();
-    if (most_shown == own->path.view().size()) {
+    if (most_shown == own.path.view().size()) {
       break;  // nothing can show more
     }
   }

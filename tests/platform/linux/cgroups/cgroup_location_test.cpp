@@ -65,6 +65,10 @@ TEST_F(CgroupLocationTest, AHierarchyNamedMemoryIsNotTheController) {
       "none");
 }
 
+TEST_F(CgroupLocationTest, AnotherFileSystemsOptionIsNotTheController) {
+  EXPECT_EQ(Find("2:memory:/a\n", "34 31 0:31 / /mnt/other rw - fuse fuse rw,memory\n"), "none");
+}
+
 TEST_F(CgroupLocationTest, Version1HasTheControllerWhereBothAreMounted) {
   const std::string mounts = MountV2("/", "/sys/fs/cgroup/unified") + MountV1("/", "/memory");
   EXPECT_EQ(Find("4:memory:/old\n0::/new\n", mounts), "v1 /memory|/old");
@@ -134,6 +138,7 @@ TEST_F(CgroupLocationTest, ColonsAndBlanksInAGroupsNameAreItsOwn) {
 TEST_F(CgroupLocationTest, EscapesInTheMountTableAreUndone) {
   EXPECT_EQ(Find("0::/a/x\n", MountV2("/", "/my\\040groups\\011x\\134y")),
             "v2 /my groups\tx\\y|/a/x");
+  EXPECT_EQ(Find("0::/a/x\n", MountV2("/", "/groups\\040")), "v2 /groups |/a/x");
   EXPECT_EQ(Find("0::/a\\x2db.slice/c\n", MountV2("/a\\134x2db.slice", "/sys/fs/cgroup")),
             "v2 /sys/fs/cgroup|/c");
 }
@@ -182,6 +187,18 @@ TEST_F(CgroupLocationTest, NoPathFitsBelowAVeryLongRoot) {
   tree_.WriteGroups("0::/a\n");
   tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
   EXPECT_FALSE(FindMemoryCgroup(tree_.root() + std::string(PathBuffer::kCapacity, '/')));
+}
+
+TEST_F(CgroupLocationTest, AMountPointThatDoesNotFitIsPassedOver) {
+  std::string root = tree_.root();
+  while (root.size() < PathBuffer::kCapacity - 200) {
+    root += "/.";
+  }
+  tree_.WriteGroups("0::/a\n");
+  tree_.WriteMounts(MountV2("/", "/" + std::string(300, 'm')));
+  EXPECT_FALSE(FindMemoryCgroup(root));
+  tree_.WriteMounts(MountV2("/", "/" + std::string(100, 'm')));
+  EXPECT_TRUE(FindMemoryCgroup(root));
 }
 
 TEST_F(CgroupLocationTest, MissingFilesMeanNoGroup) {
