@@ -222,5 +222,17 @@ TEST_F(CgroupLocationTest, NonsenseMeansNoGroup) {
   }
 }
 
+// With "/." before every path, this very machine is taken for a recorded one.
+TEST(ThisMachinesCgroupTest, TheUsualPlaceAndTheMountTableTellTheSame) {
+  const auto quickly = FindMemoryCgroup("");
+  const auto searched = FindMemoryCgroup("/.");
+  ASSERT_EQ(quickly.has_value(), searched.has_value());
+  if (quickly) {
+    EXPECT_EQ(quickly->version, searched->version);
+    EXPECT_EQ("/." + std::string(quickly->directory.view()), searched->directory.view());
+    EXPECT_EQ(quickly->top + 2, searched->top);
+  }
+}
+
 }  // namespace
 }  // namespace kestrel::platform
