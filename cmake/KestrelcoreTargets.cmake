@@ -12,6 +12,12 @@ else()
   target_compile_options(kestrelcore_common INTERFACE -Wall -Wextra -Wpedantic -Wconversion
                                                       -Wshadow)
 endif()
+if(MINGW)
+  # What other linkers for Windows do unasked: random addresses, out of the whole 64-bit space, and
+  # no execution of data.
+  target_link_options(kestrelcore_common INTERFACE
+                      "LINKER:--dynamicbase,--high-entropy-va,--nxcompat")
+endif()
 
 # The processor that the library requires.
 add_library(kestrelcore_avx2 INTERFACE)

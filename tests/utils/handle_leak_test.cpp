@@ -18,23 +18,27 @@ using kestrel::tests::OwnPid;
 
 constexpr int kCalls = 1000;
 
+void CallEveryMeter() {
+  const MemoryObserver observer;
+  for (const int pid : {OwnPid(), 0, -1, std::numeric_limits<int>::max()}) {
+    static_cast<void>(GetCpuUsage(pid, 0));
+    static_cast<void>(MemoryObserver::getProcessUsedRAM(pid));
+  }
+  static_cast<void>(MemoryObserver::getMachinePhysicalRAM());
+  static_cast<void>(observer.getAvailableRAM());
+  static_cast<void>(observer.getUsedRAM());
+  static_cast<void>(observer.willFailToAllocate(1));
+  static_cast<void>(MemoryObserver::getMachinePhysicalVRAM());
+  static_cast<void>(observer.getAvailableVRAM());
+}
+
 TEST(HandleLeakTest, NoMeterLeavesAHandleOpen) {
   const kestrel::fakes::CerrRecorder cerr;
   kestrel::simulator::Install({});
-  const MemoryObserver observer;
-  static_cast<void>(GetCpuUsage(OwnPid(), 0));  // the runtime's own start-up is not counted
+  CallEveryMeter();  // the start-up of the runtimes below is not counted
   const int before = OpenHandleCount();
   for (int call = 0; call < kCalls; ++call) {
-    for (const int pid : {OwnPid(), 0, -1, std::numeric_limits<int>::max()}) {
-      static_cast<void>(GetCpuUsage(pid, 0));
-      static_cast<void>(MemoryObserver::getProcessUsedRAM(pid));
-    }
-    static_cast<void>(MemoryObserver::getMachinePhysicalRAM());
-    static_cast<void>(observer.getAvailableRAM());
-    static_cast<void>(observer.getUsedRAM());
-    static_cast<void>(observer.willFailToAllocate(1));
-    static_cast<void>(MemoryObserver::getMachinePhysicalVRAM());
-    static_cast<void>(observer.getAvailableVRAM());
+    CallEveryMeter();
   }
   EXPECT_EQ(OpenHandleCount(), before);
 }

@@ -1,0 +1,47 @@
+# HIP for a Windows build where no HIP SDK for Windows is at hand: the host's HIP headers, and an
+# import library that names only the functions that are called. The DLL itself comes with the
+# graphics driver or the SDK of the machine that the program runs on.
+#
+# Sets HIP_INCLUDE_DIR and HIP_LIBRARY; leaves them unset if the host has no HIP headers.
+
+include(HostHeaders)
+
+set(KESTRELCORE_HIP_DLL "amdhip64.dll" CACHE STRING
+    "The HIP runtime to bind to: amdhip64.dll, or amdhip64_6.dll for that of HIP 6")
+
+# A header of HIP 6 or later renames this function by macro; the library then calls it by that name.
+function(kestrelcore_hip_properties_function result header)
+  file(STRINGS "${header}" line REGEX "^#define hipGetDeviceProperties ")
+  if(line)
+    string(REGEX REPLACE "^#define hipGetDeviceProperties +" "" name "${line}")
+  else()
+    set(name hipGetDeviceProperties)
+  endif()
+  set(${result} "${name}" PARENT_SCOPE)
+endfunction()
+
+function(kestrelcore_add_hip_import_library result include_dir)
+  kestrelcore_hip_properties_function(properties_function
+                                      "${include_dir}/hip/hip_runtime_api.h")
+  set(functions hipGetDeviceCount ${properties_function} hipGetErrorString hipMemGetInfo
+                hipSetDevice)
+  list(JOIN functions "\n" exports)
+  set(definition "${CMAKE_CURRENT_BINARY_DIR}/hip-import/amdhip64.def")
+  file(CONFIGURE OUTPUT "${definition}" CONTENT "LIBRARY @KESTRELCORE_HIP_DLL@\nEXPORTS\n@exports@\n"
+       @ONLY)
+  set(library "${CMAKE_CURRENT_BINARY_DIR}/hip-import/libamdhip64.dll.a")
+  add_custom_command(
+    OUTPUT "${library}"
+    COMMAND "${CMAKE_DLLTOOL}" --machine i386:x86-64 --input-def "${definition}" --output-lib
+            "${library}"
+    DEPENDS "${definition}"
+    COMMENT "Making the import library of ${KESTRELCORE_HIP_DLL}"
+    VERBATIM)
+  add_custom_target(hip_import_library DEPENDS "${library}")
+  set(${result} "${library}" PARENT_SCOPE)
+endfunction()
+
+kestrelcore_host_headers(HIP_INCLUDE_DIR hip hip/hip_runtime_api.h)
+if(HIP_INCLUDE_DIR)
+  kestrelcore_add_hip_import_library(HIP_LIBRARY "${HIP_INCLUDE_DIR}")
+endif()

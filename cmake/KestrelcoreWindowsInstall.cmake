@@ -1,0 +1,34 @@
+# Lays down beside the DLL what it and its host share: the C++ runtime of the compiler, with its
+# licences. Strings and containers cross the library's boundary, so both need the very same one.
+
+option(KESTRELCORE_INSTALL_RUNTIME "Install the compiler's runtime DLLs beside kestrelcore.dll" ON)
+if(NOT KESTRELCORE_INSTALL_RUNTIME)
+  return()
+endif()
+
+# "<name when installed>=<where Debian has it>". GCC's runtime is under the GPL 3 with an exception that
+# leaves programs free; winpthreads is part of mingw-w64.
+set(runtime_licences
+    "gcc-runtime.txt=/usr/share/doc/gcc-mingw-w64-base/copyright"
+    "gpl-3.txt=/usr/share/common-licenses/GPL-3"
+    "mingw-w64.txt=/usr/share/doc/mingw-w64-x86-64-dev/copyright")
+
+function(kestrelcore_install_runtime_file file destination name)
+  if(NOT IS_ABSOLUTE "${file}" OR NOT EXISTS "${file}")
+    message(FATAL_ERROR "${name} of the compiler's runtime is not at '${file}'. Set "
+                        "KESTRELCORE_INSTALL_RUNTIME=OFF and put the runtime's DLLs and licences "
+                        "beside kestrelcore.dll yourself.")
+  endif()
+  install(FILES "${file}" DESTINATION "${destination}" RENAME "${name}" COMPONENT runtime)
+endfunction()
+
+foreach(dll libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
+  execute_process(COMMAND "${CMAKE_CXX_COMPILER}" "-print-file-name=${dll}"
+                  OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  kestrelcore_install_runtime_file("${file}" "${CMAKE_INSTALL_BINDIR}" "${dll}")
+endforeach()
+foreach(licence IN LISTS runtime_licences)
+  string(REGEX MATCH "^(.*)=(.*)$" licence "${licence}")
+  kestrelcore_install_runtime_file("${CMAKE_MATCH_2}" "${CMAKE_INSTALL_BINDIR}/licenses"
+                                   "${CMAKE_MATCH_1}")
+endforeach()

@@ -1,0 +1,24 @@
+#include <windows.h>
+
+#include "platform/platform.h"
+
+namespace kestrel::platform {
+
+std::optional<MemoryStatus> QueryMemoryStatus() noexcept {
+  static_assert(sizeof(MEMORYSTATUSEX) == 64, "the size that GlobalMemoryStatusEx expects");
+  MEMORYSTATUSEX status{};
+  status.dwLength = sizeof(status);
+  if (GlobalMemoryStatusEx(&status) == 0) {
+    return std::nullopt;
+  }
+  return MemoryStatus{status.ullTotalPhys, status.ullAvailPhys, status.ullAvailPageFile};
+}
+
+// No call for the total alone gives the same figure: GetPhysicallyInstalledSystemMemory also counts
+// what the firmware keeps for itself.
+std::optional<std::uint64_t> QueryTotalPhysicalMemory() noexcept {
+  const auto status = QueryMemoryStatus();
+  return status ? std::optional(status->total_physical) : std::nullopt;
+}
+
+}  // namespace kestrel::platform

@@ -1,0 +1,42 @@
+# Builds the library where an SDK of HIP 6 is installed, as its installer leaves it: a folder that
+# HIP_PATH names, a header that renames by macro what its runtime has in a second form, an import
+# library of a DLL with another name. All of that must win over what this project makes itself.
+#
+#   cmake -D SOURCE=... -D WORK=... -D GENERATOR=... -D TOOLCHAIN=... -D HIP_INCLUDE_DIR=...
+#         -D DLLTOOL=... -D OBJDUMP=... -D IMPORT_LIST=... -P check_hip_sdk.cmake
+
+cmake_minimum_required(VERSION 3.25)
+
+function(run)
+  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE output ERROR_VARIABLE output
+                  RESULT_VARIABLE status)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "${ARGN}\n${output}")
+  endif()
+endfunction()
+
+set(sdk "${WORK}/ROCm 6.2")
+file(REMOVE_RECURSE "${WORK}")
+file(REAL_PATH "${HIP_INCLUDE_DIR}/hip" headers)
+file(COPY "${headers}" DESTINATION "${sdk}/include")
+file(RENAME "${sdk}/include/hip/hip_runtime_api.h" "${sdk}/include/hip/declarations.h")
+file(WRITE "${sdk}/include/hip/hip_runtime_api.h"
+     "#pragma once\n"
+     "#define hipGetDeviceProperties hipGetDevicePropertiesR0600\n"
+     "#define hipDeviceProp_t hipDeviceProp_tR0600\n"
+     "#include \"declarations.h\"\n")
+file(WRITE "${WORK}/sdk.def"
+     "LIBRARY amdhip64_6.dll\nEXPORTS\nhipGetDeviceCount\nhipGetDeviceProperties\n"
+     "hipGetDevicePropertiesR0600\nhipGetErrorString\nhipMemGetInfo\nhipSetDevice\n")
+file(MAKE_DIRECTORY "${sdk}/lib")
+run("${DLLTOOL}" --machine i386:x86-64 --input-def "${WORK}/sdk.def" --output-lib
+    "${sdk}/lib/amdhip64.lib")
+
+set(ENV{HIP_PATH} "${sdk}/")
+run("${CMAKE_COMMAND}" -S "${SOURCE}" -B "${WORK}/build" -G "${GENERATOR}"
+    "-DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN}" -DKESTRELCORE_BUILD_HARNESS=OFF
+    -DKESTRELCORE_BUILD_SIMULATOR=OFF)
+run("${CMAKE_COMMAND}" --build "${WORK}/build")
+run("${CMAKE_COMMAND}" -D CHECK=imports -D "IMAGE=${WORK}/build/kestrelcore.dll" -D
+    "OBJDUMP=${OBJDUMP}" -D "IMPORT_LIST=${IMPORT_LIST}" -D HIP_DLL=amdhip64_6.dll -D
+    HIP_PROPERTIES=hipGetDevicePropertiesR0600 -P "${CMAKE_CURRENT_LIST_DIR}/check_image.cmake")
