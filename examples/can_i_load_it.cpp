@@ -1,4 +1,4 @@
-// Whether a model of so many bytes is worth loading here.
+// Whether eight more gigabytes would fit, and which GPUs there are.
 
 #include <system/hardware_survey.h>
 #include <utils/memory_observer.h>
@@ -6,14 +6,8 @@
 #include <iostream>
 
 int main() {
-  const long long model_bytes = 8LL << 30;
-  const auto survey = kestrel::system::SurveyHardware();
-  if (survey.gpuSurvey.first.code != kestrel::system::ResultCode::Success) {
-    std::cout << survey.gpuSurvey.first.message << '\n';
-  }
-  for (const auto& gpu : survey.gpuSurvey.second) {
-    std::cout << gpu.name << ": " << gpu.totalMemory << " bytes\n";
-  }
+  const auto [result, gpus] = kestrel::system::SurveyGpus();
+  std::cout << gpus.size() << " GPUs. " << result.message << '\n';
   const kestrel_utils::MemoryObserver memory;
-  std::cout << (memory.willFailToAllocate(model_bytes) ? "It would not fit.\n" : "It fits.\n");
+  std::cout << (memory.willFailToAllocate(8LL << 30) ? "Too large.\n" : "It fits.\n");
 }

@@ -39,7 +39,7 @@ std::optional<std::string_view> ReadTextFile(const char* path, char* buffer,
 std::optional<std::string_view> FindLine(std::string_view text,
                                          std::string_view beginning) noexcept {
   for (std::size_t end = 0; (end = text.find('\n')) != std::string_view::npos;) {
-    if (end >= beginning.size() && text.substr(0, beginning.size()) == beginning) {
+    if (text.substr(0, beginning.size()) == beginning) {
       return text.substr(beginning.size(), end - beginning.size());
     }
     text.remove_prefix(end + 1);

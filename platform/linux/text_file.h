@@ -37,8 +37,8 @@ class FileDescriptor {
 [[nodiscard]] std::optional<std::string_view> ReadTextFile(const char* path, char* buffer,
                                                            std::size_t size) noexcept;
 
-// What follows `beginning` on the first whole line that begins with it. A last line without a
-// newline was cut off, since the kernel ends every line, and is not looked at.
+// What follows `beginning`, which has no newline, on the first whole line that begins so. A last
+// line without a newline was cut off, since the kernel ends every line, and is not looked at.
 [[nodiscard]] std::optional<std::string_view> FindLine(std::string_view text,
                                                        std::string_view beginning) noexcept;
 

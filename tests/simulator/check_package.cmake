@@ -2,10 +2,11 @@
 # outside project would.
 #
 #   cmake -DBUILD=... -DWORK=... -DSOURCE=... -DEMULATOR=... -DHARNESS=... -DBESIDE=... \
-#         -P check_package.cmake
+#         -DGENERATOR=... -P check_package.cmake
 #
 # BUILD     the build tree; WORK a folder for this test alone; SOURCE the project's sources
 # EMULATOR  what runs a program in a cross build
+# GENERATOR as in BUILD: a machine may have no other build tool
 # HARNESS   the file name of the installed program
 # BESIDE    whether programs look for the runtime beside themselves, not in a folder that is named
 
@@ -18,7 +19,7 @@ execute_process(COMMAND "${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${WORK
 file(RENAME "${WORK}/prefix" "${prefix}")
 execute_process(
   COMMAND "${CMAKE_COMMAND}" -S "${SOURCE}/tests/simulator/package" -B "${WORK}/user"
-          "-DCMAKE_PREFIX_PATH=${prefix}"
+          -G "${GENERATOR}" "-DCMAKE_PREFIX_PATH=${prefix}"
   COMMAND_ERROR_IS_FATAL ANY)
 include("${WORK}/user/found.cmake")
 

@@ -65,6 +65,10 @@ TEST_F(CgroupLocationTest, AHierarchyNamedMemoryIsNotTheController) {
       "none");
 }
 
+TEST_F(CgroupLocationTest, AnotherFileSystemsOptionIsNotTheController) {
+  EXPECT_EQ(Find("2:memory:/a\n", "34 31 0:31 / /mnt/other rw - fuse fuse rw,memory\n"), "none");
+}
+
 TEST_F(CgroupLocationTest, Version1HasTheControllerWhereBothAreMounted) {
   const std::string mounts = MountV2("/", "/sys/fs/cgroup/unified") + MountV1("/", "/memory");
   EXPECT_EQ(Find("4:memory:/old\n0::/new\n", mounts), "v1 /memory|/old");
@@ -134,6 +138,7 @@ TEST_F(CgroupLocationTest, ColonsAndBlanksInAGroupsNameAreItsOwn) {
 TEST_F(CgroupLocationTest, EscapesInTheMountTableAreUndone) {
   EXPECT_EQ(Find("0::/a/x\n", MountV2("/", "/my\\040groups\\011x\\134y")),
             "v2 /my groups\tx\\y|/a/x");
+  EXPECT_EQ(Find("0::/a/x\n", MountV2("/", "/groups\\040")), "v2 /groups |/a/x");
   EXPECT_EQ(Find("0::/a\\x2db.slice/c\n", MountV2("/a\\134x2db.slice", "/sys/fs/cgroup")),
             "v2 /sys/fs/cgroup|/c");
 }
@@ -184,6 +189,18 @@ TEST_F(CgroupLocationTest, NoPathFitsBelowAVeryLongRoot) {
   EXPECT_FALSE(FindMemoryCgroup(tree_.root() + std::string(PathBuffer::kCapacity, '/')));
 }
 
+TEST_F(CgroupLocationTest, AMountPointThatDoesNotFitIsPassedOver) {
+  std::string root = tree_.root();
+  while (root.size() < PathBuffer::kCapacity - 200) {
+    root += "/.";
+  }
+  tree_.WriteGroups("0::/a\n");
+  tree_.WriteMounts(MountV2("/", "/" + std::string(300, 'm')));
+  EXPECT_FALSE(FindMemoryCgroup(root));
+  tree_.WriteMounts(MountV2("/", "/" + std::string(100, 'm')));
+  EXPECT_TRUE(FindMemoryCgroup(root));
+}
+
 TEST_F(CgroupLocationTest, MissingFilesMeanNoGroup) {
   EXPECT_EQ(Find(), "none");
   tree_.WriteGroups("0::/a\n");
@@ -202,6 +219,18 @@ TEST_F(CgroupLocationTest, NonsenseMeansNoGroup) {
         "30 23 0:26 / relative rw - cgroup2 c rw\n", "30 23 0:26 relative /sys rw - cgroup2 c rw\n",
         "30 23 0:26 / /sys rw - cgroup2 cut off"}) {
     EXPECT_EQ(Find("0::/a\n", mounts), "none") << mounts;
+  }
+}
+
+// With "/." before every path, this very machine is taken for a recorded one.
+TEST(ThisMachinesCgroupTest, TheUsualPlaceAndTheMountTableTellTheSame) {
+  const auto quickly = FindMemoryCgroup("");
+  const auto searched = FindMemoryCgroup("/.");
+  ASSERT_EQ(quickly.has_value(), searched.has_value());
+  if (quickly) {
+    EXPECT_EQ(quickly->version, searched->version);
+    EXPECT_EQ("/." + std::string(quickly->directory.view()), searched->directory.view());
+    EXPECT_EQ(quickly->top + 2, searched->top);
   }
 }
 

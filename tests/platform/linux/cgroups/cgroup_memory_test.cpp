@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "tests/platform/linux/cgroups/machine_tree.h"
 
@@ -52,6 +53,16 @@ TEST_F(CgroupMemoryV2Test, WithoutFilesThereIsNoLimit) {
   EXPECT_EQ(room.together, kUnlimited);
 }
 
+TEST_F(CgroupMemoryV2Test, WithoutAMountThereIsNoLimit) {
+  WriteGroup("/a/b", "1000", "300");
+  Write("/a/b", "swap.max", "0\n");
+  Write("/a/b", "swap.current", "0\n");
+  tree_.WriteMounts("");
+  EXPECT_EQ(Read().physical, kUnlimited);
+  EXPECT_EQ(Read().swap, kUnlimited);
+  EXPECT_TRUE(Read().swaps_when_full);
+}
+
 TEST_F(CgroupMemoryV2Test, MaxIsNoLimit) {
   WriteGroup("/a/b", "max", "500");
   EXPECT_EQ(Read().physical, kUnlimited);
@@ -79,10 +90,14 @@ TEST_F(CgroupMemoryV2Test, OldKernelsDoNotTellOfSlab) {
 
 TEST_F(CgroupMemoryV2Test, MoreReclaimableThanUsedIsAllOfIt) {
   WriteGroup("/a/b", "1000", "900");
-  Write("/a/b", "stat",
-        std::string("inactive_file ") + kHuge + "\nactive_file " + kHuge + "\nslab_reclaimable " +
-            kHuge + "\n");
-  EXPECT_EQ(Read().physical, 1000U);
+  const std::string huge = std::string(kHuge) + "\n";
+  const std::vector<std::string> texts = {
+      "inactive_file 901\nactive_file 0\n", "inactive_file " + huge + "active_file 2\n",
+      "inactive_file 0\nactive_file " + huge + "slab_reclaimable 2\n"};
+  for (const std::string& text : texts) {
+    Write("/a/b", "stat", text);
+    EXPECT_EQ(Read().physical, 1000U) << text;
+  }
 }
 
 TEST_F(CgroupMemoryV2Test, ALimitBelowUsageLeavesNothing) {
@@ -207,6 +222,12 @@ TEST_F(CgroupMemoryV2Test, WithSwappiness0AFullGroupDoesNotSwap) {
   tree_.Write("/proc/sys/vm/swappiness", "0\n");
   EXPECT_FALSE(Read().swaps_when_full);
   tree_.Write("/proc/sys/vm/swappiness", "1\n");
+  EXPECT_TRUE(Read().swaps_when_full);
+}
+
+TEST_F(CgroupMemoryV2Test, WithoutALimitNoGroupIsEverFull) {
+  tree_.Write("/proc/sys/vm/swappiness", "0\n");
+  WriteGroup("/a/b", "max", "100");
   EXPECT_TRUE(Read().swaps_when_full);
 }
 

@@ -1,5 +1,6 @@
-// Whole memory statuses of recorded machines. Each directory beside this file holds one machine's
-// files as a process there finds them.
+// Whole memory statuses of machines. Each directory beside this file holds one machine's files as a
+// process there finds them: linux_6_1 was read off a running one, the others are laid out like
+// theirs, with round figures that can be checked by hand.
 
 #include <gtest/gtest.h>
 
@@ -12,7 +13,7 @@ namespace kestrel::platform {
 namespace {
 
 constexpr std::uint64_t kMebibyte = std::uint64_t{1} << 20;
-constexpr std::uint64_t kTotal = 16384;  // all of them have 16 GiB, 10 GiB of it available
+constexpr std::uint64_t kTotal = 16384;  // MiB; of them 10240 are available
 
 struct Mebibytes {
   std::uint64_t available;
@@ -68,6 +69,17 @@ TEST(RecordedMachinesTest, ALimitBelowUsageLeavesNothing) {
 // Limit 2048, used 500, to reclaim 184; swap 512. 3072 may be committed.
 TEST(RecordedMachinesTest, StrictOvercommitInAGroup) {
   ExpectStatus("strict_overcommit", {1732, 512});
+}
+
+// Debian's kernel 6.1, version 2, swap, the limit on the parent group: 268435456, used 221425664,
+// of it to reclaim 157290496 of file pages and 378272 of slab. A file of 150 MiB had been read
+// there, and a process held 60 MiB.
+TEST(RecordedMachinesTest, Linux61UnderLoad) {
+  const auto status = ReadMemoryStatus(std::string(KESTRELCORE_RECORDED_MACHINES) + "/linux_6_1");
+  ASSERT_TRUE(status);
+  EXPECT_EQ(status->total_physical, 2026000U * 1024);
+  EXPECT_EQ(status->available_physical, 204678560U);
+  EXPECT_EQ(status->committable, 67108864U);
 }
 
 TEST(RecordedMachinesTest, AMachineWithoutFilesTellsNothing) {
