@@ -4,21 +4,11 @@
 #
 # Sets HIP_INCLUDE_DIR and HIP_LIBRARY; leaves them unset if the host has no HIP headers.
 
+include(HIPFunctions)
 include(HostHeaders)
 
 set(KESTRELCORE_HIP_DLL "amdhip64.dll" CACHE STRING
     "The HIP runtime to bind to: amdhip64.dll, or amdhip64_6.dll for that of HIP 6")
-
-# A header of HIP 6 or later renames this function by macro; the library then calls it by that name.
-function(kestrelcore_hip_properties_function result header)
-  file(STRINGS "${header}" line REGEX "^#define hipGetDeviceProperties ")
-  if(line)
-    string(REGEX REPLACE "^#define hipGetDeviceProperties +" "" name "${line}")
-  else()
-    set(name hipGetDeviceProperties)
-  endif()
-  set(${result} "${name}" PARENT_SCOPE)
-endfunction()
 
 function(kestrelcore_add_hip_import_library result include_dir)
   kestrelcore_hip_properties_function(properties_function

@@ -17,8 +17,14 @@ foreach(header IN LISTS kestrelcore_public_headers)
 endforeach()
 install(FILES "${PROJECT_BINARY_DIR}/include/kestrelcore_export.h"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrelcore" COMPONENT development)
-install(FILES LICENSE README.md CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DOCDIR}"
-        COMPONENT runtime)
+install(FILES LICENSE CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT runtime)
+if(NOT WIN32)
+  # A HIP outside the folders that the loader searches stays where it was found.
+  cmake_path(GET HIP_LIBRARY PARENT_PATH hip_folder)
+  if(NOT hip_folder IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES)
+    set_target_properties(kestrelcore PROPERTIES INSTALL_RPATH "${hip_folder}")
+  endif()
+endif()
 
 install(EXPORT kestrelcoreTargets NAMESPACE kestrelcore:: DESTINATION "${kestrelcore_package_dir}"
         COMPONENT development)

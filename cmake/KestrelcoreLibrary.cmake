@@ -65,9 +65,11 @@ target_include_directories(
   kestrelcore PUBLIC "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>"
                      "$<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include>"
                      "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/kestrelcore>")
+# Before 1.0, each minor version is an interface of its own; the CMake package says the same.
+set(kestrelcore_soversion "${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}")
 set_target_properties(
   kestrelcore PROPERTIES LINKER_LANGUAGE CXX VERSION "${PROJECT_VERSION}"
-                         SOVERSION "${PROJECT_VERSION_MAJOR}")
+                         SOVERSION "${kestrelcore_soversion}")
 if(WIN32)
   set_target_properties(kestrelcore PROPERTIES PREFIX "")
 else()

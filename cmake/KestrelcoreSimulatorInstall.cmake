@@ -18,7 +18,8 @@ install(
   PATTERN "*.toml")
 
 if(WIN32)
-  set(simulator_file amdhip64.dll)
+  get_target_property(simulator_name kestrel_simulator OUTPUT_NAME)
+  set(simulator_file "${simulator_name}.dll")
 else()
   get_target_property(simulator_version kestrel_simulator SOVERSION)
   set(simulator_file "libamdhip64.so.${simulator_version}")

@@ -91,7 +91,7 @@ void PrintCpuUsage(int pid, int split_ms) {
   std::cout << "CPU Usage (PID '" << pid << "') ....... " << usage << "%" << std::endl;
 }
 
-// The percent sign and the powers of 1000 are what scripts that read this line have always seen.
+// The percent sign and the powers of 1000 belong to the format of this report, on purpose.
 void PrintProcessMemory(int pid) {
   std::cout << "Mem Usage (PID '" << pid << "') ....... ";
   std::cout << AmountOf(MemoryObserver::getProcessUsedRAM(pid), true) << "%" << std::endl;

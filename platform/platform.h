@@ -54,8 +54,8 @@ struct ProcessTimes {
 // has been given away. Closes itself.
 class Process {
  public:
-  // Nothing if there is no such process, or the rights are refused. The id of a thread is not a
-  // process.
+  // Nothing if there is no such process, the rights are refused, or this process may open no more.
+  // The id of a thread is not a process.
   [[nodiscard]] static std::optional<Process> Open(int pid, ProcessRights rights) noexcept;
 
   Process(Process&& other) noexcept

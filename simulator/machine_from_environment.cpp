@@ -1,6 +1,6 @@
+#include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <iostream>
 
 #include "simulator/initial_machine.h"
 #include "simulator/machine_file.h"
@@ -10,7 +10,8 @@ namespace kestrel::simulator {
 
 namespace {
 
-// No other cause gives this status, so that a host cannot take a broken file for a broken device.
+// No operation gives this status by itself, so that a host cannot take a broken file for a broken
+// device.
 Machine BrokenMachine() {
   Machine machine;
   for (const std::string_view operation : kOperationsWithStatus) {
@@ -30,7 +31,8 @@ Machine InitialMachine() {
   try {
     return ReadMachineFile(path);
   } catch (const std::exception& error) {
-    std::cerr << "Simulated HIP runtime: " << error.what() << std::endl;
+    // Not through std::cerr: a host may have made that throw, and this is called from C.
+    static_cast<void>(std::fprintf(stderr, "Simulated HIP runtime: %s\n", error.what()));
     return BrokenMachine();
   }
 }

@@ -15,7 +15,8 @@ namespace kestrel_utils {
 /// Returns -1.0 and writes one line to standard error when `pid` is below 1, no such process can
 /// be opened, one of its two samples fails, or no wall-clock time elapsed. A failed call returns at
 /// the step that failed. On Linux a zombie still counts as a process (it uses 0 percent), and a
-/// thread's id does not; "/proc" must be mounted.
+/// thread's id does not; "/proc" must be mounted, and that of the caller's own
+/// process namespace.
 ///
 /// Never throws, allocates nothing, and may run on any number of threads at once. Do not cancel
 /// (pthread_cancel) a thread inside it.

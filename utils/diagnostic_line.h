@@ -7,9 +7,10 @@
 namespace kestrel_utils {
 
 // One line for standard error. It is gathered in place and goes out in one write, so that lines of
-// several threads interleave whole and no memory is allocated. It ignores the format flags and the
-// locale that the host may have set on std::cerr, and never throws, even where the host has made
-// std::cerr throw. A line longer than the buffer goes out in several writes.
+// several threads interleave whole, up to the size of the buffer, and no memory is allocated. It
+// ignores the format flags and the locale that the host may have set on std::cerr, and never
+// throws, even where the host has made std::cerr throw. A line longer than the buffer goes out in
+// several writes.
 class DiagnosticLine {
  public:
   DiagnosticLine& operator<<(std::string_view text) noexcept;

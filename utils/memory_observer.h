@@ -9,8 +9,8 @@ namespace kestrel_utils {
 /// Every call measures afresh; nothing is cached, and any instance is as good as any other. All
 /// figures are bytes. No member throws, blocks beyond its platform query, or allocates memory of
 /// its own (the HIP runtime may, at its first use in a process). Members may be called from any
-/// number of threads at once. Failures are reported as one line on standard error where a member
-/// says so.
+/// number of threads at once; they need up to 16 KiB of stack. Failures are reported as one line on
+/// standard error where a member says so. Do not cancel (pthread_cancel) a thread inside a member.
 class MemoryObserver {
  public:
   /// What `getProcessUsedRAM` returns on failure: -1.
@@ -27,7 +27,8 @@ class MemoryObserver {
   /// operating system to answer is not reported; it reads as 0.
   [[nodiscard]] KESTRELCORE_EXPORT static long long getMachinePhysicalRAM() noexcept;
 
-  /// Physical RAM that this process could have without swapping. A failure reads as 0.
+  /// Physical RAM that this process could have without swapping: on Linux no more than the memory
+  /// limits of its container leave it (docs/memory-in-containers.md). A failure reads as 0.
   [[nodiscard]] KESTRELCORE_EXPORT long long getAvailableRAM() const noexcept;
 
   /// Physical less available RAM, both from one query. A failure reads as 0.
@@ -36,7 +37,8 @@ class MemoryObserver {
   /// The resident memory (working set) of process `pid`; a positive number for the caller's own.
   /// Returns -1 (`kRamMeterErrorCode`) with a line on standard error when `pid` is below 1 or no
   /// such process can be opened, and -1 without one when its counters cannot be read. On Linux a
-  /// zombie holds 0 bytes, and a thread's id is not a process; "/proc" must be mounted.
+  /// zombie holds 0 bytes, and a thread's id is not a process; "/proc" must be
+  /// mounted, and that of the caller's own process namespace.
   [[nodiscard]] KESTRELCORE_EXPORT static long long getProcessUsedRAM(int pid) noexcept;
 
   /// The total VRAM of all HIP devices, from each device's properties. Returns 0 with a line on

@@ -12,9 +12,12 @@ namespace kestrel::platform {
 
 namespace {
 
-// These files are the calling thread's, not those of "/proc/self": that is the first thread, and
-// once it has ended while others run, its version 1 groups read as "/" and its mounts not at all.
-constexpr std::string_view kGroupsFile = "/proc/thread-self/cgroup";
+// Memory is charged to the group of the process's first thread, which version 1 allows to be
+// another than the calling thread's. Once the first thread has ended while others run, its group
+// reads as "/", and its mounts and namespaces do not read at all; then the calling thread's are
+// taken.
+constexpr std::string_view kGroupsFile = "/proc/self/cgroup";
+constexpr std::string_view kThreadsGroupsFile = "/proc/thread-self/cgroup";
 constexpr std::string_view kMountsFile = "/proc/thread-self/mountinfo";
 constexpr const char* kNamespaceFile = "/proc/thread-self/ns/cgroup";
 
@@ -49,9 +52,9 @@ struct OwnGroup {
 
 // Whether there is one. Lines are "4:cpu,memory:/path" for version 1 and "0::/path" for version 2
 // (cgroups(7)). The path may hold colons, but no newline, and nothing in it is escaped.
-bool ReadOwnGroup(std::string_view root, OwnGroup& own) noexcept {
+bool ReadGroup(std::string_view root, std::string_view groups_file, OwnGroup& own) noexcept {
   PathBuffer file;
-  if (!file.Append(root) || !file.Append(kGroupsFile)) {
+  if (!file.Append(root) || !file.Append(groups_file)) {
     return false;
   }
   bool found = false;
@@ -68,6 +71,11 @@ bool ReadOwnGroup(std::string_view root, OwnGroup& own) noexcept {
     }
   }
   return found;
+}
+
+bool ReadOwnGroup(std::string_view root, OwnGroup& own) noexcept {
+  const bool found = ReadGroup(root, kGroupsFile, own) && !own.path.view().empty();
+  return found || ReadGroup(root, kThreadsGroupsFile, own);
 }
 
 struct Mount {
@@ -129,11 +137,28 @@ bool AppendUnescaped(PathBuffer& path, std::string_view escaped) noexcept {
   return true;
 }
 
+bool LeadsOutOf(std::string_view path) noexcept {
+  return path.substr(0, 4) == "/../" || path == "/..";
+}
+
+// Whether the path is nothing but steps out of the cgroup namespace.
+bool IsAboveNamespace(std::string_view path) noexcept {
+  while (LeadsOutOf(path)) {
+    path.remove_prefix(3);
+  }
+  return path.empty();
+}
+
 // The group's path as seen from the mount's root; nothing if the mount does not show the group.
 // Both paths are relative to the root of the reader's cgroup namespace, and lead out of it by
-// "/..". What remains of that after the mount's root is outside the mount.
+// "/..". What remains of that after the mount's root is outside the mount. A mount from above the
+// namespace shows an ancestor of every group inside; the names from there on are not known, so that
+// ancestor has to do.
 std::optional<std::string_view> PathBelow(std::string_view mount_root,
                                           std::string_view group) noexcept {
+  if (LeadsOutOf(mount_root) && IsAboveNamespace(mount_root) && !LeadsOutOf(group)) {
+    return std::string_view();
+  }
   while (!mount_root.empty()) {
     if (group.empty() || group.front() != TakeUnescaped(mount_root)) {
       return std::nullopt;
@@ -141,8 +166,7 @@ std::optional<std::string_view> PathBelow(std::string_view mount_root,
     group.remove_prefix(1);
   }
   const bool whole_name = group.empty() || group.front() == '/';
-  const bool outside = group.substr(0, 4) == "/../" || group == "/..";
-  return whole_name && !outside ? std::optional(group) : std::nullopt;
+  return whole_name && !LeadsOutOf(group) ? std::optional(group) : std::nullopt;
 }
 
 bool Place(MemoryCgroup& group, std::string_view root, std::string_view escaped_mount_point,

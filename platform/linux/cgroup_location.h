@@ -20,7 +20,7 @@ struct MemoryCgroup {
   std::size_t top = 0;  // as many of the directory's first bytes name the topmost ancestor in sight
 };
 
-// The memory group that the calling thread's process belongs to. Nothing if there is none, no
+// The memory group to which the memory of this process is charged. Nothing if there is none, no
 // mount shows it, or a path is too long. All files are looked for below `root`: empty, or a
 // directory with a recorded machine.
 [[nodiscard]] std::optional<MemoryCgroup> FindMemoryCgroup(std::string_view root) noexcept;

@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::uint64_t kKibibyte = 1024;  // what the kernel's "kB" means
 
+// False if the line is missing or makes no sense.
 bool ParseFigure(std::string_view text, std::string_view name, std::uint64_t& bytes) noexcept {
   auto rest = FindLine(text, name);
   if (!rest) {
@@ -26,6 +27,12 @@ bool ParseFigure(std::string_view text, std::string_view name, std::uint64_t& by
   return true;
 }
 
+// Likewise, but a missing line leaves the figure as it is.
+bool ParseOptionalFigure(std::string_view text, std::string_view name,
+                         std::uint64_t& bytes) noexcept {
+  return !FindLine(text, name) || ParseFigure(text, name, bytes);
+}
+
 }  // namespace
 
 std::optional<Meminfo> ParseMeminfo(std::string_view text) noexcept {
@@ -33,9 +40,10 @@ std::optional<Meminfo> ParseMeminfo(std::string_view text) noexcept {
   const bool complete = ParseFigure(text, "MemTotal:", meminfo.total) &&
                         ParseFigure(text, "MemAvailable:", meminfo.available) &&
                         ParseFigure(text, "SwapFree:", meminfo.swap_free) &&
-                        ParseFigure(text, "CommitLimit:", meminfo.commit_limit) &&
-                        ParseFigure(text, "Committed_AS:", meminfo.committed);
-  if (!complete || meminfo.available > meminfo.total) {
+                        ParseOptionalFigure(text, "CommitLimit:", meminfo.commit_limit) &&
+                        ParseOptionalFigure(text, "Committed_AS:", meminfo.committed);
+  const bool cut_off = text.empty() || text.back() != '\n';
+  if (!complete || cut_off || meminfo.available > meminfo.total) {
     return std::nullopt;
   }
   return meminfo;

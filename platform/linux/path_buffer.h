@@ -10,9 +10,9 @@ namespace kestrel::platform {
 // A path put together piece by piece, without heap memory.
 class PathBuffer {
  public:
-  // With the closing NUL. Half of what Linux opens (PATH_MAX), and several times what container
+  // With the closing NUL. A quarter of what Linux opens (PATH_MAX), and twice what container
   // runtimes build: threads of a host may have little stack.
-  static constexpr std::size_t kCapacity = 2048;
+  static constexpr std::size_t kCapacity = 1024;
 
   PathBuffer() noexcept { text_[0] = '\0'; }
 

@@ -34,36 +34,47 @@ std::optional<std::uint64_t> ReadResidentPages(int statm) noexcept {
   return text ? ParseResidentPages(*text) : std::nullopt;
 }
 
-std::uint64_t ResidentPagesOfThread(int tasks, const char* thread) noexcept {
+// A thread that has ended meanwhile holds nothing; nothing at all if it cannot be asked.
+std::optional<std::uint64_t> ResidentPagesOfThread(int tasks, const char* thread) noexcept {
   std::array<char, 32> path;
   std::snprintf(path.data(), path.size(), "%.20s/statm", thread);
   const FileDescriptor statm(tasks, path.data());
-  return statm.is_open() ? ReadResidentPages(statm.get()).value_or(0) : 0;
+  if (!statm.is_open()) {
+    return errno == ENOENT || errno == ESRCH ? std::optional<std::uint64_t>(0) : std::nullopt;
+  }
+  return ReadResidentPages(statm.get()).value_or(0);
 }
 
 // A process whose first thread has ended reads as zeros though its other threads hold its memory:
 // the first thread that still has it tells. All zeros: a zombie or a kernel thread, which has none.
-std::uint64_t ResidentPagesOfThreads(int pid) noexcept {
+std::optional<std::uint64_t> ResidentPagesOfThreads(int pid) noexcept {
   std::array<char, 32> path;
   std::snprintf(path.data(), path.size(), "/proc/%d/task", pid);
   const FileDescriptor tasks(AT_FDCWD, path.data());
-  if (!tasks.is_open()) {
-    return 0;
-  }
   alignas(dirent64) std::array<char, 1024> entries;
-  ssize_t size = 0;
-  while ((size = getdents64(tasks.get(), entries.data(), entries.size())) > 0) {
+  ssize_t size = tasks.is_open() ? 1 : -1;
+  while (size > 0 && (size = getdents64(tasks.get(), entries.data(), entries.size())) > 0) {
     for (ssize_t offset = 0; offset < size;) {
       const auto* entry = reinterpret_cast<const dirent64*>(entries.data() + offset);
       offset += entry->d_reclen;
-      const std::uint64_t pages =
-          entry->d_name[0] == '.' ? 0 : ResidentPagesOfThread(tasks.get(), entry->d_name);
-      if (pages != 0) {
+      if (entry->d_name[0] == '.') {
+        continue;
+      }
+      const auto pages = ResidentPagesOfThread(tasks.get(), entry->d_name);
+      if (!pages || *pages != 0) {
         return pages;
       }
     }
   }
-  return 0;
+  return size == 0 ? std::optional<std::uint64_t>(0) : std::nullopt;
+}
+
+// A "/proc" of another process namespace numbers processes in another way than the calls below.
+bool ProcIsOfThisNamespace() noexcept {
+  std::array<char, 16> link;
+  const ssize_t size = readlink("/proc/self", link.data(), link.size());
+  std::string_view text(link.data(), size > 0 ? static_cast<std::size_t>(size) : 0);
+  return TakeNumber(text) == static_cast<std::uint64_t>(getpid());
 }
 
 }  // namespace
@@ -72,7 +83,7 @@ std::optional<Process> Process::Open(int pid, ProcessRights /*rights*/) noexcept
   std::array<char, 32> path;
   std::snprintf(path.data(), path.size(), "/proc/%d/statm", pid);
   FileDescriptor statm(AT_FDCWD, path.data());
-  if (!statm.is_open() || !IsProcess(pid)) {
+  if (!statm.is_open() || !IsProcess(pid) || !ProcIsOfThisNamespace()) {
     return std::nullopt;
   }
   return Process(pid, statm.release());

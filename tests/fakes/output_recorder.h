@@ -10,7 +10,7 @@ namespace kestrel::fakes {
 // Gathers std::cout and std::cerr into one text while it lives, so that their order shows.
 class OutputRecorder {
  public:
-  OutputRecorder() : cout_(std::cout.rdbuf(text_.rdbuf())), cerr_(std::cerr.rdbuf(text_.rdbuf())) {}
+  OutputRecorder() : cout_(std::cout.rdbuf(&text_)), cerr_(std::cerr.rdbuf(&text_)) {}
   OutputRecorder(const OutputRecorder&) = delete;
   OutputRecorder& operator=(const OutputRecorder&) = delete;
   ~OutputRecorder() {
@@ -19,9 +19,18 @@ class OutputRecorder {
   }
 
   [[nodiscard]] std::string text() const { return text_.str(); }
+  [[nodiscard]] int flushes() const { return text_.flushes; }
 
  private:
-  std::ostringstream text_;
+  struct Buffer : std::stringbuf {
+    int sync() override {
+      ++flushes;
+      return 0;
+    }
+    int flushes = 0;
+  };
+
+  Buffer text_;
   std::streambuf* cout_;
   std::streambuf* cerr_;
 };

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 
@@ -12,6 +13,7 @@
 namespace {
 
 using kestrel::fakes::OutputOf;
+using kestrel::fakes::OutputRecorder;
 using kestrel::fakes::Platform;
 using kestrel::simulator::Install;
 using kestrel::simulator::Machine;
@@ -147,6 +149,21 @@ TEST_F(RoutinesTest, MachineMemoryPrintsTheMetersMessageBesideItsLabel) {
             "Free VRAM ................... 0 Bytes\n"
             "------------------------------------\n"
             "\n");
+}
+
+// Whoever watches a slow survey sees every line as it is made.
+TEST_F(RoutinesTest, EveryLineIsFlushed) {
+  Machine machine;
+  machine.devices.resize(2);
+  Install(machine);
+  const OutputRecorder output;
+  PrintHardwareSurvey();
+  PrintCpuUsage(1234, 500);
+  PrintProcessMemory(77);
+  const std::string text = output.text();
+  EXPECT_EQ(output.flushes(), std::count(text.begin(), text.end(), '\n'));
+  PrintMachineMemory();
+  EXPECT_EQ(output.flushes(), std::count(text.begin(), text.end(), '\n') + 5);
 }
 
 }  // namespace

@@ -57,4 +57,7 @@ if(NOT SUBDIRECTORY AND NOT EMULATOR)
   # The installed harness finds the library by itself.
   file(GLOB_RECURSE harness "${WORK}/prefix/kestrel-harness")
   run("${harness}" --hardware-test --split_ms=0)
+  if(NOT output MATCHES "CPU Architecture: x86_64")
+    message(FATAL_ERROR "${output}")
+  endif()
 endif()

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/mount.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -37,7 +39,7 @@ bool OpensAs(int pid) {
   return opens;
 }
 
-TEST(LinuxProcessTest, AnIdleChildIsMeasuredAndUsesNothing) {
+TEST(LinuxProcessTest, AnIdleChildIsMeasured) {
   const ChildProcess child(Idle);
   const auto process = Process::Open(child.pid(), ProcessRights::kTimes);
   ASSERT_TRUE(process);
@@ -146,6 +148,38 @@ TEST(LinuxProcessTest, AProcessWhoseFirstThreadHasEndedIsMeasuredInFull) {
     EXPECT_TRUE(process->Times());
     EXPECT_GE(process->ResidentBytes().value_or(0), 32U << 20);
   }
+}
+
+// Its threads are looked at one by one then; without descriptors for that, no figure is told.
+TEST(LinuxProcessTest, AProcessWhoseThreadsCannotBeOpenedTellsNoFigure) {
+  const ChildProcess child(LiveWithoutFirstThread);
+  child.AwaitFirstThreadsEnd();
+  for (const rlim_t left : {1, 2}) {
+    const auto outcome = tests::RunApart([&child, left] {
+      const int next = dup(0);
+      close(next);
+      const rlimit limit{static_cast<rlim_t>(next) + left, static_cast<rlim_t>(next) + left};
+      if (setrlimit(RLIMIT_NOFILE, &limit) != 0) {
+        throw std::runtime_error("setrlimit");
+      }
+      const auto process = Process::Open(child.pid(), ProcessRights::kMemory);
+      if (!process || process->ResidentBytes()) {
+        throw std::runtime_error("a figure was told");
+      }
+    });
+    EXPECT_TRUE(outcome.ran) << left << " left: " << outcome.diagnostics;
+  }
+}
+
+// The caller sees the "/proc" of the namespace that it came from.
+TEST(LinuxProcessTest, AForeignProcOpensNothing) {
+  const auto outcome = RunInOwnNamespaces([] {
+    if (umount("/proc") != 0 || Process::Open(1, ProcessRights::kTimes) ||
+        Process::Open(getpid(), ProcessRights::kMemory)) {
+      throw std::runtime_error("a foreign process was opened");
+    }
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
 TEST(LinuxProcessTest, ANameOfBlanksAndParenthesesDoesNotConfuse) {

@@ -1,10 +1,14 @@
 #include "platform/linux/cgroup_location.h"
 
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <unistd.h>
 
+#include <stdexcept>
 #include <string>
 
 #include "tests/platform/linux/cgroups/machine_tree.h"
+#include "tests/platform/linux/child_process.h"
 
 namespace kestrel::platform {
 namespace {
@@ -107,10 +111,22 @@ TEST_F(CgroupLocationTest, AGroupOutsideOfTheMountIsNotShown) {
   EXPECT_EQ(Find("0::/../../a\n", MountV2("/..", "/sys/fs/cgroup")), "none");
 }
 
-// The mount's root is above the namespace's: what the groups between are called is not told.
-TEST_F(CgroupLocationTest, AGroupBelowUnknownNamesIsNotShown) {
-  EXPECT_EQ(Find("0::/\n", MountV2("/..", "/sys/fs/cgroup")), "none");
-  EXPECT_EQ(Find("0::/a\n", MountV2("/../..", "/sys/fs/cgroup")), "none");
+// The mount's root is above the namespace's: what the groups between are called is not told, but it
+// is an ancestor.
+TEST_F(CgroupLocationTest, OfAGroupBelowUnknownNamesTheMountedAncestorIsTaken) {
+  EXPECT_EQ(Find("0::/\n", MountV2("/..", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|");
+  EXPECT_EQ(Find("0::/a\n", MountV2("/../..", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|");
+}
+
+// Version 1 lets a thread be in another group than the first one, to which memory is charged.
+TEST_F(CgroupLocationTest, TheGroupIsTheFirstThreads) {
+  tree_.Write("/proc/self/cgroup", "0::/first\n");
+  EXPECT_EQ(Find("0::/other\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/first");
+}
+
+TEST_F(CgroupLocationTest, OnceTheFirstThreadHasEndedTheCallingOnesGroupCounts) {
+  tree_.Write("/proc/self/cgroup", "0::/\n");
+  EXPECT_EQ(Find("0::/other\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/other");
 }
 
 TEST_F(CgroupLocationTest, ANameThatOnlyBeginsWithDotsIsAName) {
@@ -176,10 +192,10 @@ TEST_F(CgroupLocationTest, ALineThatDoesNotFitIsPassedOver) {
 }
 
 TEST_F(CgroupLocationTest, APathThatDoesNotFitIsPassedOver) {
-  const std::string groups = "0::/" + std::string(1500, 'a') + "/b\n";
-  const std::string long_mount = MountV2("/", "/" + std::string(600, 'm'));
+  const std::string groups = "0::/" + std::string(700, 'a') + "/b\n";
+  const std::string long_mount = MountV2("/", "/" + std::string(400, 'm'));
   EXPECT_EQ(Find(groups, long_mount), "none");
-  const std::string part = "/" + std::string(1500, 'a');
+  const std::string part = "/" + std::string(700, 'a');
   EXPECT_EQ(Find(groups, long_mount + MountV2(part, "/part")), "v2 /part|/b");
 }
 
@@ -222,16 +238,33 @@ TEST_F(CgroupLocationTest, NonsenseMeansNoGroup) {
   }
 }
 
-// With "/." before every path, this very machine is taken for a recorded one.
-TEST(ThisMachinesCgroupTest, TheUsualPlaceAndTheMountTableTellTheSame) {
+// With "/." before every path, this very machine is taken for a recorded one: without the short
+// cut.
+bool ShortCutAndMountTableTellTheSame() {
   const auto quickly = FindMemoryCgroup("");
   const auto searched = FindMemoryCgroup("/.");
-  ASSERT_EQ(quickly.has_value(), searched.has_value());
-  if (quickly) {
-    EXPECT_EQ(quickly->version, searched->version);
-    EXPECT_EQ("/." + std::string(quickly->directory.view()), searched->directory.view());
-    EXPECT_EQ(quickly->top + 2, searched->top);
+  if (!quickly || !searched) {
+    return quickly.has_value() == searched.has_value();
   }
+  return quickly->version == searched->version && quickly->top + 2 == searched->top &&
+         "/." + std::string(quickly->directory.view()) == searched->directory.view();
+}
+
+TEST(ThisMachinesCgroupTest, TheUsualPlaceAndTheMountTableTellTheSame) {
+  EXPECT_TRUE(ShortCutAndMountTableTellTheSame());
+}
+
+// There, paths are relative to the group in which the namespace was made.
+TEST(ThisMachinesCgroupTest, TheyDoInACgroupNamespaceToo) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "needs root, to make a cgroup namespace";
+  }
+  const auto outcome = tests::RunApart([] {
+    if (unshare(CLONE_NEWCGROUP) != 0 || !ShortCutAndMountTableTellTheSame()) {
+      throw std::runtime_error("they differ");
+    }
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
 }  // namespace
