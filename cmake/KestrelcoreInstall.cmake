@@ -43,6 +43,8 @@ if(KESTRELCORE_BUILD_HARNESS)
     set_target_properties(kestrel-harness PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}")
   endif()
   install(TARGETS kestrel-harness RUNTIME COMPONENT harness)
+  install(FILES LICENSE THIRD_PARTY_LICENSES DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+          COMPONENT harness)
 endif()
 
 if(KESTRELCORE_BUILD_SIMULATOR)
