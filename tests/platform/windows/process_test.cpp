@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <atomic>
 #include <chrono>
 #include <string>
 #include <thread>
@@ -34,6 +35,22 @@ TEST(WindowsProcessTest, AChildIsMeasured) {
   EXPECT_TRUE(process->Times());
   EXPECT_GT(process->ResidentBytes().value_or(0), 0U);
   EXPECT_GE(GetCpuUsage(child.pid(), 10), 0.0F);
+}
+
+// Without a limit of time: a busy machine may take long to give this process its share.
+TEST(WindowsProcessTest, WorkOfThisProcessShowsInItsUsage) {
+  std::atomic<bool> done = false;
+  std::thread worker([&done] {
+    while (!done) {
+    }
+  });
+  float usage = 0.0F;
+  while (usage == 0.0F) {
+    usage = GetCpuUsage(static_cast<int>(GetCurrentProcessId()), 100);
+  }
+  done = true;
+  worker.join();
+  EXPECT_GT(usage, 0.0F);
 }
 
 TEST(WindowsProcessTest, AThreadsIdIsNoProcess) {
