@@ -4,7 +4,7 @@
 
 namespace kestrel::tests {
 
-// A process that never comes to run: it is there and uses nothing, until it is told to end.
+// A process that is there but never comes to run, until it is told to end.
 class ChildProcess {
  public:
   // With `rights`, nobody may open it with any but those.
