@@ -1,0 +1,17 @@
+// A host that has made std::cerr throw, where it cannot be written to: the runtime's complaint
+// about its machine file must not end the host.
+
+#include <hip/hip_runtime_api.h>
+
+#include <iostream>
+#include <streambuf>
+
+int main() {
+  struct Refusing : std::streambuf {
+  } refusing;
+  std::cerr.rdbuf(&refusing);
+  std::cerr.exceptions(std::ios::badbit | std::ios::failbit);
+  int count = 7;
+  const hipError_t status = hipGetDeviceCount(&count);
+  std::cout << "hipGetDeviceCount: " << status << ", " << count << std::endl;
+}
