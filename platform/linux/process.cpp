@@ -52,8 +52,8 @@ std::optional<std::uint64_t> ResidentPagesOfThreads(int pid) noexcept {
   std::snprintf(path.data(), path.size(), "/proc/%d/task", pid);
   const FileDescriptor tasks(AT_FDCWD, path.data());
   alignas(dirent64) std::array<char, 1024> entries;
-  ssize_t size = tasks.is_open() ? 1 : -1;
-  while (size > 0 && (size = getdents64(tasks.get(), entries.data(), entries.size())) > 0) {
+  ssize_t size = 0;
+  while ((size = getdents64(tasks.get(), entries.data(), entries.size())) > 0) {
     for (ssize_t offset = 0; offset < size;) {
       const auto* entry = reinterpret_cast<const dirent64*>(entries.data() + offset);
       offset += entry->d_reclen;
