@@ -9,9 +9,11 @@
 int main() {
   struct Refusing : std::streambuf {
   } refusing;
-  std::cerr.rdbuf(&refusing);
+  std::streambuf* const before = std::cerr.rdbuf(&refusing);
   std::cerr.exceptions(std::ios::badbit | std::ios::failbit);
   int count = 7;
   const hipError_t status = hipGetDeviceCount(&count);
+  std::cerr.exceptions(std::ios::goodbit);
+  std::cerr.rdbuf(before);
   std::cout << "hipGetDeviceCount: " << status << ", " << count << std::endl;
 }
