@@ -9,14 +9,7 @@
 
 cmake_minimum_required(VERSION 3.25)
 
-function(run status_expected)
-  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE output ERROR_VARIABLE output
-                  RESULT_VARIABLE status)
-  if(NOT status EQUAL status_expected)
-    message(FATAL_ERROR "${ARGN}\n${output}")
-  endif()
-  set(output "${output}" PARENT_SCOPE)
-endfunction()
+include("${CMAKE_CURRENT_LIST_DIR}/../run_command.cmake")
 
 file(REMOVE_RECURSE "${WORK}")
 set(root "${WORK}/hip")
@@ -28,24 +21,24 @@ file(CREATE_LINK "${soname}" "${root}/lib/libamdhip64.so" SYMBOLIC)
 
 set(configure "${CMAKE_COMMAND}" -S "${SOURCE}" -B "${WORK}/build" -G "${GENERATOR}"
               -DKESTRELCORE_BUILD_SIMULATOR=OFF)
-run(1 ${configure} "-DHIP_ROOT=${WORK}/nothing")
+run_expecting(1 ${configure} "-DHIP_ROOT=${WORK}/nothing")
 if(NOT output MATCHES "nothing', which")
   message(FATAL_ERROR "The refusal does not name the folder:\n${output}")
 endif()
-run(0 ${configure} "-DHIP_ROOT=${root}")
-run(0 "${CMAKE_COMMAND}" --build "${WORK}/build")
-run(0 "${CMAKE_COMMAND}" --install "${WORK}/build" --prefix "${WORK}/prefix")
+run(${configure} "-DHIP_ROOT=${root}")
+run("${CMAKE_COMMAND}" --build "${WORK}/build")
+run("${CMAKE_COMMAND}" --install "${WORK}/build" --prefix "${WORK}/prefix")
 
 unset(ENV{LD_LIBRARY_PATH})
 unset(ENV{KESTREL_SIM_MACHINE})
 set(harness "${WORK}/prefix/bin/kestrel-harness")
-run(0 ldd "${harness}")
+run(ldd "${harness}")
 if(NOT output MATCHES "${root}/lib/${soname}")
   message(FATAL_ERROR "The runtime is not that of HIP_ROOT:\n${output}")
 endif()
-run(0 "${harness}" --hardware-test --split_ms=0)
+run("${harness}" --hardware-test --split_ms=0)
 
-run(0 "${CMAKE_COMMAND}" -S "${CONSUMER}" -B "${WORK}/consumer" -G "${GENERATOR}"
+run("${CMAKE_COMMAND}" -S "${CONSUMER}" -B "${WORK}/consumer" -G "${GENERATOR}"
     "-DCMAKE_PREFIX_PATH=${WORK}/prefix")
-run(0 "${CMAKE_COMMAND}" --build "${WORK}/consumer")
-run(0 "${WORK}/consumer/host")
+run("${CMAKE_COMMAND}" --build "${WORK}/consumer")
+run("${WORK}/consumer/host")

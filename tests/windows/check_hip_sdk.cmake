@@ -7,13 +7,7 @@
 
 cmake_minimum_required(VERSION 3.25)
 
-function(run)
-  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE output ERROR_VARIABLE output
-                  RESULT_VARIABLE status)
-  if(NOT status EQUAL 0)
-    message(FATAL_ERROR "${ARGN}\n${output}")
-  endif()
-endfunction()
+include("${CMAKE_CURRENT_LIST_DIR}/../run_command.cmake")
 
 set(sdk "${WORK}/ROCm 6.2")
 file(REMOVE_RECURSE "${WORK}")
