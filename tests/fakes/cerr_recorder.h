@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace kestrel::fakes {
+namespace kestrel::tests {
 
 // Stands in for std::cerr's buffer while it lives: keeps each write and counts the flushes that
 // were asked for (the stream's own flush after every write is turned off).
@@ -71,4 +71,4 @@ class CerrRecorder : private std::streambuf {
   bool failing_ = false;
 };
 
-}  // namespace kestrel::fakes
+}  // namespace kestrel::tests

@@ -5,11 +5,11 @@ namespace kestrel::tests {
 
 // A process at work.
 int OwnPid() {
-  fakes::Platform().times_step = 1;
-  fakes::Platform().resident_bytes = 4096;
+  Platform().times_step = 1;
+  Platform().resident_bytes = 4096;
   return 1234;
 }
 
-int OpenHandleCount() { return fakes::Platform().open_handles; }
+int OpenHandleCount() { return Platform().open_handles; }
 
 }  // namespace kestrel::tests

@@ -5,7 +5,7 @@
 #include <streambuf>
 #include <string>
 
-namespace kestrel::fakes {
+namespace kestrel::tests {
 
 // Gathers std::cout and std::cerr into one text while it lives, so that their order shows.
 class OutputRecorder {
@@ -43,4 +43,4 @@ std::string OutputOf(Routine routine) {
   return output.text();
 }
 
-}  // namespace kestrel::fakes
+}  // namespace kestrel::tests

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace kestrel::fakes {
+namespace kestrel::tests {
 
 void PlatformFake::Fail(const std::string& operation, int from_call) {
   failing_from_[operation] = from_call;
@@ -20,11 +20,11 @@ PlatformFake& Platform() {
   return fake;
 }
 
-}  // namespace kestrel::fakes
+}  // namespace kestrel::tests
 
 namespace kestrel::platform {
 
-using fakes::Platform;
+using tests::Platform;
 
 std::uint16_t ProcessorArchitecture() noexcept {
   Platform().Succeeds("ProcessorArchitecture");

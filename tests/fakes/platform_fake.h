@@ -10,7 +10,7 @@
 
 #include "platform/platform.h"
 
-namespace kestrel::fakes {
+namespace kestrel::tests {
 
 // An operating system made of the figures below. It records every call by name, in order.
 struct PlatformFake {
@@ -46,4 +46,4 @@ struct PlatformFake {
 // The fake behind platform/platform.h; assign a new one to begin a test.
 PlatformFake& Platform();
 
-}  // namespace kestrel::fakes
+}  // namespace kestrel::tests

@@ -1,24 +1,24 @@
 #include "tests/fakes/surveys_fake.h"
 
-namespace kestrel::fakes {
+namespace kestrel::tests {
 
 SurveysFake& Surveys() {
   static SurveysFake fake;
   return fake;
 }
 
-}  // namespace kestrel::fakes
+}  // namespace kestrel::tests
 
 namespace kestrel::system {
 
 std::pair<Result, std::vector<GpuInfo>> SurveyGpus() {
-  fakes::Surveys().calls.emplace_back("SurveyGpus");
-  return fakes::Surveys().gpu_survey;
+  tests::Surveys().calls.emplace_back("SurveyGpus");
+  return tests::Surveys().gpu_survey;
 }
 
 std::pair<Result, CpuInfo> SurveyCpu() {
-  fakes::Surveys().calls.emplace_back("SurveyCpu");
-  return fakes::Surveys().cpu_survey;
+  tests::Surveys().calls.emplace_back("SurveyCpu");
+  return tests::Surveys().cpu_survey;
 }
 
 }  // namespace kestrel::system

@@ -6,7 +6,7 @@
 
 #include "system/hardware_survey.h"
 
-namespace kestrel::fakes {
+namespace kestrel::tests {
 
 // What SurveyGpus and SurveyCpu return in a program that links surveys_fake.cpp in their place,
 // also what the real ones never would; and the order in which they were called.
@@ -18,4 +18,4 @@ struct SurveysFake {
 
 SurveysFake& Surveys();
 
-}  // namespace kestrel::fakes
+}  // namespace kestrel::tests

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <limits>
 
+namespace kestrel::tests {
 namespace {
 
 constexpr std::uint64_t kHuge = std::numeric_limits<std::uint64_t>::max();
@@ -51,3 +52,4 @@ TEST(BytesToStrTest, AQuotientThatRoundsUpKeepsItsUnit) {
 }
 
 }  // namespace
+}  // namespace kestrel::tests

@@ -8,14 +8,13 @@
 #include "tests/fakes/output_recorder.h"
 #include "tests/fakes/surveys_fake.h"
 
+namespace kestrel::tests {
 namespace {
 
-using kestrel::fakes::OutputOf;
-using kestrel::fakes::Surveys;
-using kestrel::system::GpuInfo;
-using kestrel::system::GpuIntegrationType;
-using kestrel::system::GpuSoftwarePlatform;
-using kestrel::system::ResultCode;
+using system::GpuInfo;
+using system::GpuIntegrationType;
+using system::GpuSoftwarePlatform;
+using system::ResultCode;
 
 class HardwareReportTest : public testing::Test {
  protected:
@@ -104,3 +103,4 @@ TEST_F(HardwareReportTest, AnyCodeButSuccessIsAFailure) {
 }
 
 }  // namespace
+}  // namespace kestrel::tests

@@ -10,13 +10,11 @@
 #include "tests/fakes/output_recorder.h"
 #include "tests/fakes/platform_fake.h"
 
+namespace kestrel::tests {
 namespace {
 
-using kestrel::fakes::OutputOf;
-using kestrel::fakes::OutputRecorder;
-using kestrel::fakes::Platform;
-using kestrel::simulator::Install;
-using kestrel::simulator::Machine;
+using simulator::Install;
+using simulator::Machine;
 
 constexpr std::uint64_t kGiB = std::uint64_t{1} << 30;
 
@@ -167,3 +165,4 @@ TEST_F(RoutinesTest, EveryLineIsFlushed) {
 }
 
 }  // namespace
+}  // namespace kestrel::tests

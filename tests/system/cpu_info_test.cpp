@@ -5,9 +5,15 @@
 #include <type_traits>
 #include <utility>
 
-namespace kestrel::system {
+namespace kestrel::tests {
 namespace {
 
+using system::CpuArchitecture;
+using system::CpuArchitectureToStr;
+using system::CpuInfo;
+using system::CpuInstructionSetExtension;
+using system::CpuInstructionSetExtensionsToStr;
+using system::CpuInstructionSetExtensionToStr;
 using Extension = CpuInstructionSetExtension;
 using Extensions = std::unordered_set<Extension>;
 
@@ -125,4 +131,4 @@ TEST(CpuInfoTest, AssignedToItselfStaysAsItIs) {
 }
 
 }  // namespace
-}  // namespace kestrel::system
+}  // namespace kestrel::tests

@@ -7,10 +7,15 @@
 #include "system/detect_cpu_info.h"
 #include "tests/fakes/platform_fake.h"
 
-namespace kestrel::system {
+namespace kestrel::tests {
 namespace {
 
-using fakes::Platform;
+using system::CpuArchitecture;
+using system::CpuInstructionSetExtension;
+using system::CpuInstructionSetExtensionsToStr;
+using system::DetectCpuInfo;
+using system::ResultCode;
+using system::SurveyCpu;
 using Extension = CpuInstructionSetExtension;
 using Extensions = std::unordered_set<Extension>;
 
@@ -138,4 +143,4 @@ TEST_F(CpuSurveyTest, DetectionThrowsARuntimeErrorForAnUnsupportedArchitecture) 
 }
 
 }  // namespace
-}  // namespace kestrel::system
+}  // namespace kestrel::tests

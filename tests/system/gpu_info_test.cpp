@@ -5,8 +5,14 @@
 #include <type_traits>
 #include <utility>
 
-namespace kestrel::system {
+namespace kestrel::tests {
 namespace {
+
+using system::GpuInfo;
+using system::GpuIntegrationType;
+using system::GpuIntegrationTypeToStr;
+using system::GpuSoftwarePlatform;
+using system::GpuSoftwarePlatformToStr;
 
 GpuInfo Card() {
   GpuInfo gpu;
@@ -109,4 +115,4 @@ TEST(GpuInfoTest, MovingKeepsEveryField) {
 }
 
 }  // namespace
-}  // namespace kestrel::system
+}  // namespace kestrel::tests

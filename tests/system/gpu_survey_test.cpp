@@ -8,11 +8,16 @@
 
 #include "simulator/control.h"
 
-namespace kestrel::system {
+namespace kestrel::tests {
 namespace {
 
 using simulator::Device;
 using simulator::Machine;
+using system::GpuInfo;
+using system::GpuIntegrationType;
+using system::GpuSoftwarePlatform;
+using system::ResultCode;
+using system::SurveyGpus;
 
 constexpr std::uint64_t kGiB = std::uint64_t{1} << 30;
 constexpr const char* kPrefix = "Error trying to query ROCm gpus: ";
@@ -221,4 +226,4 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& failure) { return std::string(failure.param.operation); });
 
 }  // namespace
-}  // namespace kestrel::system
+}  // namespace kestrel::tests

@@ -7,10 +7,16 @@
 
 #include "tests/fakes/surveys_fake.h"
 
-namespace kestrel::system {
+namespace kestrel::tests {
 namespace {
 
-using fakes::Surveys;
+using system::CpuArchitecture;
+using system::CpuInfo;
+using system::CpuInstructionSetExtension;
+using system::GpuInfo;
+using system::HardwareSurveyResult;
+using system::ResultCode;
+using system::SurveyHardware;
 
 // Data stands beside both codes, whether they allow it or not.
 void SetSurveys(ResultCode gpu_code, ResultCode cpu_code) {
@@ -53,4 +59,4 @@ TEST(HardwareSurveyGuardTest, GpusComeFirstAndTheCpuWhateverBecameOfThem) {
 }
 
 }  // namespace
-}  // namespace kestrel::system
+}  // namespace kestrel::tests

@@ -7,10 +7,16 @@
 #include "simulator/control.h"
 #include "tests/fakes/platform_fake.h"
 
-namespace kestrel::system {
+namespace kestrel::tests {
 namespace {
 
-using fakes::Platform;
+using system::CpuArchitecture;
+using system::CpuInfo;
+using system::CpuInstructionSetExtension;
+using system::GpuInfo;
+using system::HardwareSurveyResult;
+using system::ResultCode;
+using system::SurveyHardware;
 
 HardwareSurveyResult Filled() {
   HardwareSurveyResult survey;
@@ -144,4 +150,4 @@ TEST_F(HardwareSurveyTest, AFailingCpuSurveyLeavesTheGpuSurvey) {
 }
 
 }  // namespace
-}  // namespace kestrel::system
+}  // namespace kestrel::tests

@@ -5,8 +5,11 @@
 #include <type_traits>
 #include <utility>
 
-namespace kestrel::system {
+namespace kestrel::tests {
 namespace {
+
+using system::Result;
+using system::ResultCode;
 
 TEST(ResultTest, IsUnknownWithoutMessageByDefault) {
   const Result result;
@@ -42,4 +45,4 @@ TEST(ResultTest, AMovedFromResultMayBeAssignedAgain) {
 }
 
 }  // namespace
-}  // namespace kestrel::system
+}  // namespace kestrel::tests

@@ -63,8 +63,11 @@ int posix_memalign(void** memory, std::size_t alignment, std::size_t size) {
 
 }  // extern "C"
 
-namespace kestrel_utils {
+namespace kestrel::tests {
 namespace {
+
+using kestrel_utils::GetCpuUsage;
+using kestrel_utils::MemoryObserver;
 
 // How often the action allocates, the second time: what the C library sets up once does not count.
 template <typename Action>
@@ -85,14 +88,14 @@ TEST(AllocationTest, TheCounterCounts) {
 }
 
 TEST(AllocationTest, CpuUsageTakesNone) {
-  const int pid = kestrel::tests::OwnPid();
+  const int pid = OwnPid();
   float usage = -1.0F;
   EXPECT_EQ(AllocationsOf([&] { usage = GetCpuUsage(pid, 1); }), 0);
   EXPECT_GE(usage, 0.0F);
 }
 
 TEST(AllocationTest, ProcessRamTakesNone) {
-  const int pid = kestrel::tests::OwnPid();
+  const int pid = OwnPid();
   long long used = -1;
   EXPECT_EQ(AllocationsOf([&] { used = MemoryObserver::getProcessUsedRAM(pid); }), 0);
   EXPECT_GT(used, 0);
@@ -119,9 +122,9 @@ TEST(AllocationTest, TheForecastTakesNone) {
 // Over the library's own code: the simulated runtime keeps a record of every call, so its
 // allocations are taken off.
 TEST(AllocationTest, VramTakesNoneBeyondTheRuntimesOwn) {
-  kestrel::simulator::Machine machine;
+  simulator::Machine machine;
   machine.devices.resize(8);
-  kestrel::simulator::Install(machine);
+  simulator::Install(machine);
   const MemoryObserver observer;
   hipDeviceProp_t properties{};
   std::size_t free = 0;
@@ -133,18 +136,18 @@ TEST(AllocationTest, VramTakesNoneBeyondTheRuntimesOwn) {
       static_cast<void>(hipGetDeviceProperties(&properties, device));
     }
   });
-  kestrel::simulator::Install(machine);
+  simulator::Install(machine);
   EXPECT_EQ(AllocationsOf([] { static_cast<void>(MemoryObserver::getMachinePhysicalVRAM()); }),
             runtime_total);
-  kestrel::simulator::Install(machine);
+  simulator::Install(machine);
   const int runtime_free = AllocationsOf([&] {
     static_cast<void>(hipGetDeviceCount(&count));
     static_cast<void>(hipSetDevice(0));
     static_cast<void>(hipMemGetInfo(&free, &total));
   });
-  kestrel::simulator::Install(machine);
+  simulator::Install(machine);
   EXPECT_EQ(AllocationsOf([&] { static_cast<void>(observer.getAvailableVRAM()); }), runtime_free);
 }
 
 }  // namespace
-}  // namespace kestrel_utils
+}  // namespace kestrel::tests

@@ -8,12 +8,11 @@
 #include "tests/fakes/cerr_recorder.h"
 #include "tests/fakes/platform_fake.h"
 
-namespace kestrel_utils {
+namespace kestrel::tests {
 namespace {
 
-using kestrel::fakes::CerrRecorder;
-using kestrel::fakes::Platform;
-using kestrel::platform::ProcessTimes;
+using kestrel_utils::GetCpuUsage;
+using platform::ProcessTimes;
 
 constexpr std::uint64_t kSecond = 10'000'000;  // of process time, in units of 100 ns
 constexpr std::uint64_t kMillisecond = 10'000;
@@ -191,4 +190,4 @@ TEST_F(CpuUsageTest, DoesNotThrowWhereTheHostsStreamDoes) {
 }
 
 }  // namespace
-}  // namespace kestrel_utils
+}  // namespace kestrel::tests

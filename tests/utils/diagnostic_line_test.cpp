@@ -8,10 +8,10 @@
 
 #include "tests/fakes/cerr_recorder.h"
 
-namespace kestrel_utils {
+namespace kestrel::tests {
 namespace {
 
-using kestrel::fakes::CerrRecorder;
+using kestrel_utils::DiagnosticLine;
 
 TEST(DiagnosticLineTest, GoesOutWholeInOneWriteWithOneFlush) {
   const CerrRecorder cerr;
@@ -80,4 +80,4 @@ TEST(DiagnosticLineTest, DoesNotThrowWhereTheHostsStreamHasNoBuffer) {
 }
 
 }  // namespace
-}  // namespace kestrel_utils
+}  // namespace kestrel::tests

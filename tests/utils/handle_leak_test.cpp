@@ -10,11 +10,11 @@
 #include "utils/cpu_usage.h"
 #include "utils/memory_observer.h"
 
-namespace kestrel_utils {
+namespace kestrel::tests {
 namespace {
 
-using kestrel::tests::OpenHandleCount;
-using kestrel::tests::OwnPid;
+using kestrel_utils::GetCpuUsage;
+using kestrel_utils::MemoryObserver;
 
 constexpr int kCalls = 1000;
 
@@ -33,8 +33,8 @@ void CallEveryMeter() {
 }
 
 TEST(HandleLeakTest, NoMeterLeavesAHandleOpen) {
-  const kestrel::fakes::CerrRecorder cerr;
-  kestrel::simulator::Install({});
+  const CerrRecorder cerr;
+  simulator::Install({});
   CallEveryMeter();  // the start-up of the runtimes below is not counted
   const int before = OpenHandleCount();
   for (int call = 0; call < kCalls; ++call) {
@@ -44,4 +44,4 @@ TEST(HandleLeakTest, NoMeterLeavesAHandleOpen) {
 }
 
 }  // namespace
-}  // namespace kestrel_utils
+}  // namespace kestrel::tests

@@ -29,8 +29,11 @@ hipError_t hipMemGetInfo(std::size_t* free, std::size_t* total) {
 
 const char* hipGetErrorString(hipError_t /*status*/) { return nullptr; }
 
-namespace kestrel_utils {
+namespace kestrel::tests {
 namespace {
+
+using kestrel_utils::getAvailableVRAM_ROCm;
+using kestrel_utils::getMachinePhysicalVRAM_ROCm;
 
 TEST(LyingRuntimeTest, FreeMemoryIsTakenFromTheFiguresAlone) {
   EXPECT_EQ(getAvailableVRAM_ROCm(false), 30);
@@ -39,10 +42,10 @@ TEST(LyingRuntimeTest, FreeMemoryIsTakenFromTheFiguresAlone) {
 
 // And a status without a text leaves the message without one.
 TEST(LyingRuntimeTest, TotalMemoryGoesByTheStatus) {
-  const kestrel::fakes::CerrRecorder cerr;
+  const CerrRecorder cerr;
   EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true), 0);
   EXPECT_EQ(cerr.text(), "hipGetDeviceCount failed: \n");
 }
 
 }  // namespace
-}  // namespace kestrel_utils
+}  // namespace kestrel::tests

@@ -10,11 +10,10 @@
 #include "tests/fakes/cerr_recorder.h"
 #include "tests/fakes/platform_fake.h"
 
-namespace kestrel_utils {
+namespace kestrel::tests {
 namespace {
 
-using kestrel::fakes::CerrRecorder;
-using kestrel::fakes::Platform;
+using kestrel_utils::MemoryObserver;
 
 constexpr std::uint64_t kGiB = std::uint64_t{1} << 30;
 constexpr std::uint64_t kHuge = std::numeric_limits<std::uint64_t>::max();
@@ -120,10 +119,10 @@ TEST_F(MemoryObserverTest, ProcessRamThatCannotBeReadFailsSilentlyAndClosesTheHa
 }
 
 TEST_F(MemoryObserverTest, VramIsTheSumOfAllDevicesAndFreeVramThatOfTheFirst) {
-  kestrel::simulator::Machine machine;
+  simulator::Machine machine;
   machine.devices = {{"a", "gfx1", 0, 8 * kGiB, 7 * kGiB, 8 * kGiB},
                      {"b", "gfx2", 0, 16 * kGiB, 15 * kGiB, 16 * kGiB}};
-  kestrel::simulator::Install(machine);
+  simulator::Install(machine);
   EXPECT_EQ(MemoryObserver::getMachinePhysicalVRAM(), 24LL << 30);
   EXPECT_EQ(observer_.getAvailableVRAM(), 7LL << 30);
   EXPECT_EQ(cerr_.text(), "");
@@ -172,7 +171,7 @@ TEST_F(MemoryObserverTest, DoesNotThrowWhereTheHostsStreamDoes) {
   static_assert(noexcept(observer_.getUsedRAM()));
   static_assert(noexcept(observer_.getAvailableVRAM()));
   static_assert(noexcept(observer_.willFailToAllocate(1)));
-  kestrel::simulator::Install({});
+  simulator::Install({});
   cerr_.Throw();
   EXPECT_EQ(MemoryObserver::getProcessUsedRAM(0), -1);
   EXPECT_EQ(MemoryObserver::getMachinePhysicalVRAM(), 0);
@@ -180,4 +179,4 @@ TEST_F(MemoryObserverTest, DoesNotThrowWhereTheHostsStreamDoes) {
 }
 
 }  // namespace
-}  // namespace kestrel_utils
+}  // namespace kestrel::tests

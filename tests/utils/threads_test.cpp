@@ -12,8 +12,11 @@
 #include "utils/cpu_usage.h"
 #include "utils/memory_observer.h"
 
-namespace kestrel_utils {
+namespace kestrel::tests {
 namespace {
+
+using kestrel_utils::GetCpuUsage;
+using kestrel_utils::MemoryObserver;
 
 constexpr int kThreads = 4;
 constexpr int kRounds = 50;
@@ -21,10 +24,10 @@ constexpr int kRounds = 50;
 void CallEverything(int pid) {
   const MemoryObserver observer;
   for (int round = 0; round < kRounds; ++round) {
-    const auto survey = kestrel::system::SurveyHardware();
+    const auto survey = system::SurveyHardware();
     EXPECT_EQ(survey.gpuSurvey.second.size(), 3U);
-    EXPECT_EQ(survey.cpuSurvey.first.code, kestrel::system::ResultCode::Success);
-    EXPECT_EQ(kestrel::simulator::CurrentDevice(), 2);
+    EXPECT_EQ(survey.cpuSurvey.first.code, system::ResultCode::Success);
+    EXPECT_EQ(simulator::CurrentDevice(), 2);
     EXPECT_GE(GetCpuUsage(pid, 0), 0.0F);
     EXPECT_GT(MemoryObserver::getProcessUsedRAM(pid), 0);
     EXPECT_GT(MemoryObserver::getMachinePhysicalRAM(), 0);
@@ -33,15 +36,15 @@ void CallEverything(int pid) {
     EXPECT_FALSE(observer.willFailToAllocate(0));
     EXPECT_EQ(MemoryObserver::getMachinePhysicalVRAM(), 6);
     EXPECT_EQ(observer.getAvailableVRAM(), 1);
-    EXPECT_EQ(kestrel::simulator::CurrentDevice(), 0);
+    EXPECT_EQ(simulator::CurrentDevice(), 0);
   }
 }
 
 TEST(ThreadsTest, CallsOnSeveralThreadsDoNotDisturbEachOther) {
-  kestrel::simulator::Machine machine;
+  simulator::Machine machine;
   machine.devices = {{"a", "gfx", 0, 1, 1, 1}, {"b", "gfx", 0, 2, 2, 2}, {"c", "gfx", 0, 3, 3, 3}};
-  kestrel::simulator::Install(machine);
-  const int pid = kestrel::tests::OwnPid();
+  simulator::Install(machine);
+  const int pid = OwnPid();
   std::vector<std::thread> threads;
   threads.reserve(kThreads);
   for (int i = 0; i < kThreads; ++i) {
@@ -53,4 +56,4 @@ TEST(ThreadsTest, CallsOnSeveralThreadsDoNotDisturbEachOther) {
 }
 
 }  // namespace
-}  // namespace kestrel_utils
+}  // namespace kestrel::tests

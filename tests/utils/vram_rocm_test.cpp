@@ -10,14 +10,15 @@
 #include "simulator/control.h"
 #include "tests/fakes/cerr_recorder.h"
 
-namespace kestrel_utils {
+namespace kestrel::tests {
 namespace {
 
-using kestrel::fakes::CerrRecorder;
-using kestrel::simulator::CurrentDevice;
-using kestrel::simulator::Install;
-using kestrel::simulator::Machine;
-using kestrel::simulator::RecordedCalls;
+using kestrel_utils::getAvailableVRAM_ROCm;
+using kestrel_utils::getMachinePhysicalVRAM_ROCm;
+using simulator::CurrentDevice;
+using simulator::Install;
+using simulator::Machine;
+using simulator::RecordedCalls;
 using Calls = std::vector<std::string>;
 
 // Device i has i+1 GiB, i+1 MiB of it free, and i+1 GiB less a byte in its properties.
@@ -195,4 +196,4 @@ TEST_F(VramRocmTest, FreeWithoutDevicesIsZeroAndSilent) {
 }
 
 }  // namespace
-}  // namespace kestrel_utils
+}  // namespace kestrel::tests

@@ -101,7 +101,7 @@ TEST(WindowsProcessTest, MemoryNeedsReadingTooAndNoMore) {
 
 TEST(WindowsProcessTest, ARefusedProcessIsReported) {
   const ChildProcess child(PROCESS_VM_READ);
-  const fakes::CerrRecorder cerr;
+  const tests::CerrRecorder cerr;
   EXPECT_EQ(GetCpuUsage(child.pid(), 60'000), -1.0F);  // and does not sleep
   EXPECT_EQ(MemoryObserver::getProcessUsedRAM(child.pid()), -1);
   EXPECT_EQ(cerr.text(), OpenFailure(child.pid()) + OpenFailure(child.pid()));
@@ -110,7 +110,7 @@ TEST(WindowsProcessTest, ARefusedProcessIsReported) {
 TEST(WindowsProcessTest, AnEndedProcessIsReported) {
   ChildProcess child;
   child.EndForGood();
-  const fakes::CerrRecorder cerr;
+  const tests::CerrRecorder cerr;
   EXPECT_EQ(GetCpuUsage(child.pid(), 60'000), -1.0F);
   EXPECT_EQ(MemoryObserver::getProcessUsedRAM(child.pid()), -1);
   EXPECT_EQ(cerr.text(), OpenFailure(child.pid()) + OpenFailure(child.pid()));
@@ -123,7 +123,7 @@ TEST(WindowsProcessTest, AProcessThatEndsBetweenTheSamplesIsMeasured) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     child.End();
   });
-  const fakes::CerrRecorder cerr;
+  const tests::CerrRecorder cerr;
   EXPECT_GE(GetCpuUsage(child.pid(), 300), 0.0F);
   end.join();
   EXPECT_EQ(cerr.text(), "");
