@@ -4,15 +4,15 @@
 #include <optional>
 #include <utility>
 
-// The seam to the operating system: raw figures in the terms of the Windows system services, and
-// nothing else. Each function is defined once in platform/windows, once in platform/linux and once
-// in tests/fakes; the linker binds one of them. Nothing here throws, allocates memory or keeps
-// anything between calls, and all of it may be called from any thread.
+// The seam to the operating system: raw figures in the terms of the Windows system services. Each
+// function is defined once in platform/windows, once in platform/linux and once in tests/fakes; the
+// linker binds one of them. No function throws, allocates memory or keeps state between calls, and
+// each may be called from any thread.
 
 namespace kestrel::platform {
 
-// wProcessorArchitecture of the Windows SYSTEM_INFO record: 9 x86-64, 12 Arm64, 5 32-bit Arm,
-// 0 32-bit x86, 0xFFFF anything else.
+// wProcessorArchitecture of the Windows SYSTEM_INFO record: 9 for x86-64, 12 for Arm64, 5 for
+// 32-bit Arm, 0 for 32-bit x86, 0xFFFF for any other.
 [[nodiscard]] std::uint16_t ProcessorArchitecture() noexcept;
 
 struct CpuidRegisters {
@@ -22,7 +22,7 @@ struct CpuidRegisters {
   std::uint32_t edx = 0;
 };
 
-// Executes CPUID on the calling thread's processor. The highest supported leaf is not consulted.
+// Executes CPUID on the calling thread's processor. Does not check that the leaf is supported.
 [[nodiscard]] CpuidRegisters Cpuid(std::uint32_t leaf, std::uint32_t subleaf) noexcept;
 
 // Logical processors in use by the operating system; at least 1.
@@ -30,32 +30,33 @@ struct CpuidRegisters {
 
 struct MemoryStatus {
   std::uint64_t total_physical = 0;      // bytes
-  std::uint64_t available_physical = 0;  // bytes that this process could have without swapping
-  std::uint64_t committable = 0;         // bytes that it could have beyond those
+  std::uint64_t available_physical = 0;  // bytes that this process can get without swapping
+  std::uint64_t committable = 0;         // bytes that it can get beyond those
 };
 
-// All three figures from one moment; nothing if the system does not tell.
+// Returns all three figures, read in one query; `nullopt` if the query fails.
 [[nodiscard]] std::optional<MemoryStatus> QueryMemoryStatus() noexcept;
 
-// The machine's physical RAM in bytes, by the cheapest call there is.
+// Returns the machine's physical RAM in bytes, by the system's cheapest call; `nullopt` if it
+// fails.
 [[nodiscard]] std::optional<std::uint64_t> QueryTotalPhysicalMemory() noexcept;
 
-// What an opened process will be asked for.
+// The figures that a process is opened for.
 enum class ProcessRights : std::uint8_t { kTimes, kMemory };
 
-// Processor time used since the process began, in units of 100 ns. Only the sum of the two is
-// exact on every system: Linux gives it all as user time.
+// Processor time used since the process began, in units of 100 ns. Windows reports the two parts
+// apart, so the seam has both; Linux reports the sum as user time. Only the sum is comparable.
 struct ProcessTimes {
   std::uint64_t kernel = 0;
   std::uint64_t user = 0;
 };
 
-// A handle that stays with the process it was opened for, even after that has ended and its pid
-// has been given away. Closes itself.
+// A move-only handle that refers to one process, even after that process has ended and its pid has
+// been reused. Closes itself.
 class Process {
  public:
-  // Nothing if there is no such process, the rights are refused, or this process may open no more.
-  // The id of a thread is not a process.
+  // Returns `nullopt` if there is no such process, if access is denied, or if the calling process
+  // has no handle left. The id of a thread that is not a process id counts as no such process.
   [[nodiscard]] static std::optional<Process> Open(int pid, ProcessRights rights) noexcept;
 
   Process(Process&& other) noexcept
@@ -69,10 +70,10 @@ class Process {
     }
   }
 
-  // Nothing if the process is gone, or the system does not tell. Needs kTimes.
+  // Returns `nullopt` if the process is gone or the query fails. Needs kTimes.
   [[nodiscard]] std::optional<ProcessTimes> Times() const noexcept;
 
-  // The resident set (working set) in bytes; nothing as above. Needs kMemory.
+  // Returns the resident set (working set) in bytes; `nullopt` as above. Needs kMemory.
   [[nodiscard]] std::optional<std::uint64_t> ResidentBytes() const noexcept;
 
  private:
@@ -85,11 +86,11 @@ class Process {
   std::intptr_t handle_;  // a file descriptor or a HANDLE
 };
 
-// A clock that never goes back, in nanoseconds from a point of the system's choice.
+// Returns a clock that never goes back, in nanoseconds since a point that the system chooses.
 [[nodiscard]] std::int64_t SteadyClockNanoseconds() noexcept;
 
-// Sleeps until that clock reaches the deadline; may return early, so the caller looks at the
-// clock again.
+// Sleeps until that clock reaches the deadline. May return early, so the caller reads the clock
+// again.
 void SleepUntil(std::int64_t deadline_nanoseconds) noexcept;
 
 }  // namespace kestrel::platform

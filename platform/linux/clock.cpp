@@ -10,7 +10,7 @@ constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
 
 }  // namespace
 
-// CLOCK_MONOTONIC, the clock behind std::chrono::steady_clock.
+// CLOCK_MONOTONIC is the clock of std::chrono::steady_clock in both standard libraries for Linux.
 std::int64_t SteadyClockNanoseconds() noexcept {
   timespec now{};
   clock_gettime(CLOCK_MONOTONIC, &now);

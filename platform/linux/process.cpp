@@ -15,26 +15,26 @@
 
 namespace kestrel::platform {
 
-// The handle is an open /proc/<pid>/statm: it stays with that very process (reading it fails with
-// ESRCH once the process has been reaped, whoever has its pid then), it serves the resident bytes
-// as it is, and opening it asks for whatever permission the "/proc" mount demands.
+// The handle is an open /proc/<pid>/statm. The descriptor refers to that one process: reads fail
+// with ESRCH once the process has been reaped, even if its pid has been reused. It contains the
+// resident set, and opening it checks the permissions that the "/proc" mount requires.
 
 namespace {
 
 constexpr std::uint64_t kTimeUnitsPerSecond = 10'000'000;  // of 100 ns
 constexpr std::uint64_t kNanosecondsPerTimeUnit = 100;
 
-// "/proc" opens by the id of any thread, but only a process is a thread group of its own id.
-// Signal 0 only asks; EPERM says that it is there, of another user.
+// "/proc/<id>" can be opened for the id of any thread, but only a process id is the id of a thread
+// group. Signal 0 checks and sends no signal; EPERM means that the process belongs to another user.
 bool IsProcess(int pid) noexcept { return syscall(SYS_tgkill, pid, pid, 0) == 0 || errno == EPERM; }
 
 std::optional<std::uint64_t> ReadResidentPages(int statm) noexcept {
-  std::array<char, 160> buffer;  // seven numbers of at most 20 digits
+  std::array<char, 160> buffer;  // seven numbers of at most 20 digits each
   const auto text = ReadFromStart(statm, buffer.data(), buffer.size());
   return text ? ParseResidentPages(*text) : std::nullopt;
 }
 
-// A thread that has ended meanwhile holds nothing; nothing at all if it cannot be asked.
+// Returns 0 for a thread that has ended in the meantime; `nullopt` if it cannot be opened.
 std::optional<std::uint64_t> ResidentPagesOfThread(int tasks, const char* thread) noexcept {
   std::array<char, 32> path;
   std::snprintf(path.data(), path.size(), "%.20s/statm", thread);
@@ -45,8 +45,9 @@ std::optional<std::uint64_t> ResidentPagesOfThread(int tasks, const char* thread
   return ReadResidentPages(statm.get()).value_or(0);
 }
 
-// A process whose first thread has ended reads as zeros though its other threads hold its memory:
-// the first thread that still has it tells. All zeros: a zombie or a kernel thread, which has none.
+// Once the first thread of a process has ended, the statm of the process reads as zeros although
+// its other threads share its memory: the first thread with a figure above zero has the process's.
+// If all are zero, it is a zombie or a kernel thread, which have no memory.
 std::optional<std::uint64_t> ResidentPagesOfThreads(int pid) noexcept {
   std::array<char, 32> path;
   std::snprintf(path.data(), path.size(), "/proc/%d/task", pid);
@@ -69,7 +70,7 @@ std::optional<std::uint64_t> ResidentPagesOfThreads(int pid) noexcept {
   return size == 0 ? std::optional<std::uint64_t>(0) : std::nullopt;
 }
 
-// A "/proc" of another process namespace numbers processes in another way than the calls below.
+// In a "/proc" of another process namespace the pids are not those that the system calls take.
 bool ProcIsOfThisNamespace() noexcept {
   std::array<char, 16> link;
   const ssize_t size = readlink("/proc/self", link.data(), link.size());
@@ -91,8 +92,8 @@ std::optional<Process> Process::Open(int pid, ProcessRights /*rights*/) noexcept
 
 void Process::Close(std::intptr_t handle) noexcept { close(static_cast<int>(handle)); }
 
-// The process CPU clock is finer than the ticks of /proc/<pid>/stat, but goes by pid. That the
-// process is still there after the clock was read shows that the pid was still its own.
+// The process CPU clock is finer than the ticks of /proc/<pid>/stat, but it takes a pid. If statm
+// can still be read after the clock, the process still existed, so its pid had not been reused.
 std::optional<ProcessTimes> Process::Times() const noexcept {
   clockid_t clock{};
   timespec used{};
@@ -109,7 +110,7 @@ std::optional<std::uint64_t> Process::ResidentBytes() const noexcept {
   auto pages = ReadResidentPages(statm);
   if (pages && *pages == 0) {
     pages = ResidentPagesOfThreads(pid_);
-    // The threads went by pid: they were this process's only if it is still there.
+    // The threads were found by pid. They belong to this process only if it still exists.
     if (!ReadResidentPages(statm)) {
       return std::nullopt;
     }

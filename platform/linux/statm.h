@@ -6,8 +6,8 @@
 
 namespace kestrel::platform {
 
-// The second number of /proc/<pid>/statm, "resident" (proc(5)), in pages. Nothing if the text does
-// not begin with two numbers.
+// Returns the second number of /proc/<pid>/statm, "resident" (proc(5)), in pages; `nullopt` if the
+// text does not begin with two numbers.
 [[nodiscard]] std::optional<std::uint64_t> ParseResidentPages(std::string_view statm) noexcept;
 
 }  // namespace kestrel::platform

@@ -11,14 +11,15 @@ using Clock = std::chrono::steady_clock;
 
 }  // namespace
 
-// The performance counter is what is behind std::chrono::steady_clock.
+// std::chrono::steady_clock reads the performance counter.
 std::int64_t SteadyClockNanoseconds() noexcept {
   const std::chrono::nanoseconds now = Clock::now().time_since_epoch();
   return now.count();
 }
 
-// Windows sleeps by whole milliseconds. They are rounded up here: a runtime that cuts the rest off
-// would have the caller spin through the last millisecond, in the very process that it measures.
+// Windows sleeps for whole milliseconds. The duration is rounded up here: with a runtime that
+// rounds down, the caller would spin through the last millisecond, possibly in the process that it
+// measures.
 void SleepUntil(std::int64_t deadline_nanoseconds) noexcept {
   const std::chrono::nanoseconds left(deadline_nanoseconds - SteadyClockNanoseconds());
   std::this_thread::sleep_for(std::chrono::ceil<std::chrono::milliseconds>(left));

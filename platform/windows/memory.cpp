@@ -14,8 +14,8 @@ std::optional<MemoryStatus> QueryMemoryStatus() noexcept {
   return MemoryStatus{status.ullTotalPhys, status.ullAvailPhys, status.ullAvailPageFile};
 }
 
-// No call for the total alone gives the same figure: GetPhysicallyInstalledSystemMemory also counts
-// what the firmware keeps for itself.
+// No call for the total alone returns the same figure: GetPhysicallyInstalledSystemMemory includes
+// the memory that the firmware reserves.
 std::optional<std::uint64_t> QueryTotalPhysicalMemory() noexcept {
   const auto status = QueryMemoryStatus();
   return status ? std::optional(status->total_physical) : std::nullopt;

@@ -8,23 +8,23 @@
 
 namespace kestrel::platform {
 
-// The handle is the process handle itself: the system keeps the process record, and its pid, for as
-// long as one is open. A process that has ended meanwhile still tells its final times.
+// The handle is the process handle. While one is open, the system keeps the record of the process
+// and does not reuse its pid. For a process that has ended it returns the final times.
 
 namespace {
 
-// A HANDLE is a number in the guise of a pointer.
+// A HANDLE is a number stored in a pointer type.
 HANDLE ToHandle(std::intptr_t handle) noexcept {
   return reinterpret_cast<HANDLE>(handle);  // NOLINT(performance-no-int-to-ptr)
 }
 
-// Just what the documentation of GetProcessTimes and of GetProcessMemoryInfo asks for.
+// The rights that the documentation of GetProcessTimes and GetProcessMemoryInfo requires.
 DWORD AccessFor(ProcessRights rights) noexcept {
   return rights == ProcessRights::kTimes ? PROCESS_QUERY_INFORMATION
                                          : PROCESS_QUERY_INFORMATION | PROCESS_VM_READ;
 }
 
-// FILETIME is a 64-bit count of 100 ns in two halves, and not aligned as one.
+// FILETIME holds a 64-bit count of 100 ns in two halves and is not aligned as a 64-bit number.
 std::uint64_t ToTimeUnits(const FILETIME& time) noexcept {
   return (std::uint64_t{time.dwHighDateTime} << 32) | time.dwLowDateTime;
 }
