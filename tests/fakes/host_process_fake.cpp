@@ -3,7 +3,7 @@
 
 namespace kestrel::tests {
 
-// A process at work.
+// Returns a pid whose process uses processor time and memory.
 int OwnPid() {
   Platform().times_step = 1;
   Platform().resident_bytes = 4096;

@@ -12,7 +12,7 @@
 
 namespace kestrel::tests {
 
-// An operating system made of the figures below. It records every call by name, in order.
+// A fake operating system that returns the figures below and records its calls in order.
 struct PlatformFake {
   std::uint16_t architecture = 9;
   std::map<std::pair<std::uint32_t, std::uint32_t>, platform::CpuidRegisters> cpuid;
@@ -20,7 +20,7 @@ struct PlatformFake {
   platform::MemoryStatus memory;
 
   int dead_pid = std::numeric_limits<int>::max();
-  // What the samples of a process show, in order; the last one stays, or moves on by the step.
+  // The samples of a process, in order. The last one repeats, with `times_step` added each time.
   std::vector<platform::ProcessTimes> times = {{}};
   std::uint64_t times_step = 0;
   std::uint64_t resident_bytes = 0;
@@ -29,10 +29,10 @@ struct PlatformFake {
   std::int64_t clock_step = 0;               // added after every reading of the clock
   std::vector<std::int64_t> early_wake_ups;  // clock readings at which sleeps end too soon
 
-  // Makes the calls of one name fail from the given one on: Fail("Process::Times", 2).
+  // Makes the calls of one name fail, from the given one on: Fail("Process::Times", 2).
   void Fail(const std::string& operation, int from_call = 1);
 
-  // Notes a call and says whether it is to succeed.
+  // Records a call and returns whether it succeeds.
   bool Succeeds(const std::string& operation, const std::string& arguments = "");
 
   std::vector<std::string> calls;
@@ -43,7 +43,7 @@ struct PlatformFake {
   std::map<std::string, int> call_counts_;
 };
 
-// The fake behind platform/platform.h; assign a new one to begin a test.
+// The fake behind platform/platform.h. A test begins by assigning a new one.
 PlatformFake& Platform();
 
 }  // namespace kestrel::tests

@@ -1,5 +1,5 @@
-// What every implementation of the seam holds to: the fake one and each native one. It asserts
-// relations, since the figures are the machine's.
+// The contract of every implementation of the seam: the fake and each native one. It asserts
+// relations, since the figures depend on the machine.
 
 #include <gtest/gtest.h>
 
@@ -11,18 +11,26 @@
 #include "platform/platform.h"
 #include "tests/platform/host_process.h"
 
-namespace kestrel::platform {
+namespace kestrel::tests {
 namespace {
 
-using tests::OpenHandleCount;
-using tests::OwnPid;
+using platform::Cpuid;
+using platform::CpuidRegisters;
+using platform::LogicalProcessorCount;
+using platform::Process;
+using platform::ProcessorArchitecture;
+using platform::ProcessRights;
+using platform::QueryMemoryStatus;
+using platform::QueryTotalPhysicalMemory;
+using platform::SleepUntil;
+using platform::SteadyClockNanoseconds;
 
 constexpr ProcessRights kBothRights[] = {ProcessRights::kTimes, ProcessRights::kMemory};
 
-// The tests run where the library does.
-TEST(PlatformContractTest, TheArchitectureIsX8664) { EXPECT_EQ(ProcessorArchitecture(), 9); }
+// The library is built for x86-64 alone, so its tests run nowhere else.
+TEST(PlatformContractTest, ArchitectureIsX8664) { EXPECT_EQ(ProcessorArchitecture(), 9); }
 
-TEST(PlatformContractTest, CpuidAnswersTheSameEveryTime) {
+TEST(PlatformContractTest, CpuidReturnsTheSameEveryTime) {
   const CpuidRegisters first = Cpuid(7, 0);
   const CpuidRegisters second = Cpuid(7, 0);
   EXPECT_EQ(first.eax, second.eax);
@@ -31,16 +39,16 @@ TEST(PlatformContractTest, CpuidAnswersTheSameEveryTime) {
   EXPECT_EQ(first.edx, second.edx);
 }
 
-TEST(PlatformContractTest, ThereIsAProcessor) { EXPECT_GE(LogicalProcessorCount(), 1U); }
+TEST(PlatformContractTest, ProcessorCountIsAtLeastOne) { EXPECT_GE(LogicalProcessorCount(), 1U); }
 
-TEST(PlatformContractTest, AvailableMemoryIsPartOfTheTotal) {
+TEST(PlatformContractTest, AvailableMemoryIsAtMostTheTotal) {
   const auto status = QueryMemoryStatus();
   ASSERT_TRUE(status);
+  // Not that it is positive: a machine or a container may have none left.
   EXPECT_LE(status->available_physical, status->total_physical);
 }
 
-// Not that the available memory is positive: a machine or a container may have none left.
-TEST(PlatformContractTest, BothQueriesTellTheSameTotal) {
+TEST(PlatformContractTest, BothMemoryQueriesReturnTheSameTotal) {
   const auto status = QueryMemoryStatus();
   const auto total = QueryTotalPhysicalMemory();
   ASSERT_TRUE(status);
@@ -48,7 +56,7 @@ TEST(PlatformContractTest, BothQueriesTellTheSameTotal) {
   EXPECT_EQ(status->total_physical, *total);
 }
 
-TEST(PlatformContractTest, ThisProcessHasTimesThatDoNotGoBack) {
+TEST(PlatformContractTest, TimesOfThisProcessDoNotDecrease) {
   const auto process = Process::Open(OwnPid(), ProcessRights::kTimes);
   ASSERT_TRUE(process);
   const auto first = process->Times();
@@ -58,7 +66,7 @@ TEST(PlatformContractTest, ThisProcessHasTimesThatDoNotGoBack) {
   EXPECT_GE(second->kernel + second->user, first->kernel + first->user);
 }
 
-TEST(PlatformContractTest, WorkOfThisProcessShowsInItsTimes) {
+TEST(PlatformContractTest, WorkOfThisProcessIncreasesItsTimes) {
   const auto process = Process::Open(OwnPid(), ProcessRights::kTimes);
   ASSERT_TRUE(process);
   const auto first = process->Times();
@@ -71,7 +79,7 @@ TEST(PlatformContractTest, WorkOfThisProcessShowsInItsTimes) {
   EXPECT_TRUE(now);
 }
 
-TEST(PlatformContractTest, ThisProcessHasResidentMemory) {
+TEST(PlatformContractTest, ResidentMemoryOfThisProcessIsPositive) {
   const auto process = Process::Open(OwnPid(), ProcessRights::kMemory);
   ASSERT_TRUE(process);
   const auto resident = process->ResidentBytes();
@@ -79,7 +87,7 @@ TEST(PlatformContractTest, ThisProcessHasResidentMemory) {
   EXPECT_GT(*resident, 0U);
 }
 
-TEST(PlatformContractTest, WhatIsNoProcessDoesNotOpen) {
+TEST(PlatformContractTest, InvalidPidsDoNotOpen) {
   for (const int pid : {0, -1, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
     for (const ProcessRights rights : kBothRights) {
       EXPECT_FALSE(Process::Open(pid, rights)) << pid;
@@ -87,7 +95,7 @@ TEST(PlatformContractTest, WhatIsNoProcessDoesNotOpen) {
   }
 }
 
-TEST(PlatformContractTest, AHandleClosesItselfAndMoves) {
+TEST(PlatformContractTest, MovedHandleIsClosedOnce) {
   const int before = OpenHandleCount();
   for (const ProcessRights rights : kBothRights) {
     auto process = Process::Open(OwnPid(), rights);
@@ -101,14 +109,14 @@ TEST(PlatformContractTest, AHandleClosesItselfAndMoves) {
   }
 }
 
-TEST(PlatformContractTest, TheClockDoesNotGoBack) {
+TEST(PlatformContractTest, ClockDoesNotGoBack) {
   const std::int64_t first = SteadyClockNanoseconds();
   const std::int64_t second = SteadyClockNanoseconds();
   EXPECT_GE(second, first);
 }
 
-// It may end early, so only the loop that its callers use is sure to get there.
-TEST(PlatformContractTest, SleepingGetsToTheDeadline) {
+// One sleep may end early; only the loop that its callers use is sure to reach the deadline.
+TEST(PlatformContractTest, RepeatedSleepReachesTheDeadline) {
   const std::int64_t deadline = SteadyClockNanoseconds() + 2'000'000;
   while (SteadyClockNanoseconds() < deadline) {
     SleepUntil(deadline);
@@ -116,8 +124,8 @@ TEST(PlatformContractTest, SleepingGetsToTheDeadline) {
   EXPECT_GE(SteadyClockNanoseconds(), deadline);
 }
 
-// That it returns at all is the assertion: ctest ends a test that does not.
-TEST(PlatformContractTest, ADeadlineInThePastIsNoSleep) {
+// If either sleep does not return, ctest ends the test.
+TEST(PlatformContractTest, DeadlineInThePastDoesNotSleep) {
   const std::int64_t before = SteadyClockNanoseconds();
   SleepUntil(before - 1);
   SleepUntil(0);
@@ -125,4 +133,4 @@ TEST(PlatformContractTest, ADeadlineInThePastIsNoSleep) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::tests

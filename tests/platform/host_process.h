@@ -2,10 +2,10 @@
 
 namespace kestrel::tests {
 
-// The pid of this very process.
+// Returns the pid of this process.
 int OwnPid();
 
-// How many files, sockets or other system objects this process holds open.
+// Returns how many files, sockets or other system objects this process has open.
 int OpenHandleCount();
 
 }  // namespace kestrel::tests

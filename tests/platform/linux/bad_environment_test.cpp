@@ -1,4 +1,4 @@
-// The meters where Linux denies them what they need: their result, their message, nothing leaked.
+// The meters where Linux denies what they need: their results and messages.
 
 #include <grp.h>
 #include <gtest/gtest.h>
@@ -16,13 +16,11 @@
 #include "utils/cpu_usage.h"
 #include "utils/memory_observer.h"
 
-namespace kestrel_utils {
+namespace kestrel::tests {
 namespace {
 
-using kestrel::tests::ChildProcess;
-using kestrel::tests::Outcome;
-using kestrel::tests::RunApart;
-using kestrel::tests::RunInOwnNamespaces;
+using kestrel_utils::GetCpuUsage;
+using kestrel_utils::MemoryObserver;
 
 void Require(bool holds, const char* what) {
   if (!holds) {
@@ -31,7 +29,7 @@ void Require(bool holds, const char* what) {
 }
 
 void RequireNoProcessMeters(int pid) {
-  Require(GetCpuUsage(pid, 60'000) == -1.0F, "CPU usage was measured");  // and did not sleep
+  Require(GetCpuUsage(pid, 60'000) == -1.0F, "CPU usage was measured");  // without a sleep
   Require(MemoryObserver::getProcessUsedRAM(pid) == -1, "process memory was measured");
 }
 
@@ -40,21 +38,22 @@ std::string OpenFailures(int pid) {
   return line + line;
 }
 
-TEST(BadEnvironmentTest, WithoutProcNothingButTheTotalIsKnown) {
+TEST(BadEnvironmentTest, WithoutProcOnlyTheTotalIsReported) {
   const Outcome outcome = RunInOwnNamespaces([] {
     Require(mount("none", "/proc", "tmpfs", 0, nullptr) == 0, "mount");
     RequireNoProcessMeters(1);
     const MemoryObserver observer;
-    Require(observer.getAvailableRAM() == 0, "available RAM was told");
-    Require(observer.getUsedRAM() == 0, "used RAM was told");
-    Require(MemoryObserver::getMachinePhysicalRAM() > 0, "physical RAM was not told");
+    Require(observer.getAvailableRAM() == 0, "available RAM was reported");
+    Require(observer.getUsedRAM() == 0, "used RAM was reported");
+    Require(MemoryObserver::getMachinePhysicalRAM() > 0, "physical RAM was not reported");
     Require(!observer.willFailToAllocate(-1), "a failure was predicted");
   });
   EXPECT_TRUE(outcome.ran);
   EXPECT_EQ(outcome.diagnostics, OpenFailures(1) + "Failed to get global memory status.\n");
 }
 
-// As a child of process 1 that belongs to nobody. Groups go too: root's sees hidden processes.
+// Runs `body` in a child of process 1, as user nobody. The groups are dropped too: root's group may
+// see hidden processes.
 void RunAsNobody(const std::function<void()>& body) {
   const Outcome outcome = RunApart([&body] {
     Require(setgroups(0, nullptr) == 0, "setgroups");
@@ -63,7 +62,7 @@ void RunAsNobody(const std::function<void()>& body) {
     body();
   });
   std::cerr << outcome.diagnostics;
-  Require(outcome.ran, "it did not run to its end");
+  Require(outcome.ran, "the body failed");
 }
 
 class OtherUserTest : public testing::Test {
@@ -75,7 +74,7 @@ class OtherUserTest : public testing::Test {
   }
 };
 
-TEST_F(OtherUserTest, HiddenProcessesCannotBeOpened) {
+TEST_F(OtherUserTest, HiddenProcessesDoNotOpen) {
   for (const char* const hidepid : {"hidepid=1", "hidepid=2"}) {
     SCOPED_TRACE(hidepid);
     const Outcome outcome = RunInOwnNamespaces([hidepid] {
@@ -87,7 +86,7 @@ TEST_F(OtherUserTest, HiddenProcessesCannotBeOpened) {
   }
 }
 
-TEST_F(OtherUserTest, WhereNothingIsHiddenItsProcessesAreMeasured) {
+TEST_F(OtherUserTest, VisibleProcessesAreMeasured) {
   const Outcome outcome = RunInOwnNamespaces([] {
     RunAsNobody([] {
       Require(GetCpuUsage(1, 0) >= 0.0F, "CPU usage was not measured");
@@ -98,15 +97,15 @@ TEST_F(OtherUserTest, WhereNothingIsHiddenItsProcessesAreMeasured) {
   EXPECT_EQ(outcome.diagnostics, "");
 }
 
-TEST(BadEnvironmentTest, WithoutFileDescriptorsLeft) {
+TEST(BadEnvironmentTest, WithoutDescriptorsOnlyTheTotalIsReported) {
   const Outcome outcome = RunApart([] {
     const rlimit none{0, 0};
     Require(setrlimit(RLIMIT_NOFILE, &none) == 0, "setrlimit");
     RequireNoProcessMeters(getpid());
     const MemoryObserver observer;
-    Require(observer.getAvailableRAM() == 0, "available RAM was told");
-    Require(observer.getUsedRAM() == 0, "used RAM was told");
-    Require(MemoryObserver::getMachinePhysicalRAM() > 0, "physical RAM was not told");
+    Require(observer.getAvailableRAM() == 0, "available RAM was reported");
+    Require(observer.getUsedRAM() == 0, "used RAM was reported");
+    Require(MemoryObserver::getMachinePhysicalRAM() > 0, "physical RAM was not reported");
     Require(!observer.willFailToAllocate(-1), "a failure was predicted");
   });
   EXPECT_TRUE(outcome.ran);
@@ -115,7 +114,7 @@ TEST(BadEnvironmentTest, WithoutFileDescriptorsLeft) {
   EXPECT_NE(outcome.diagnostics.find("\nFailed to get global memory status.\n"), std::string::npos);
 }
 
-TEST(BadEnvironmentTest, ADeadPidIsReported) {
+TEST(BadEnvironmentTest, DeadPidIsReported) {
   ChildProcess child([] {});
   child.KillAndReap();
   const int pid = child.pid();
@@ -124,14 +123,14 @@ TEST(BadEnvironmentTest, ADeadPidIsReported) {
   EXPECT_EQ(outcome.diagnostics, OpenFailures(pid));
 }
 
-TEST(BadEnvironmentTest, AHugePidIsReported) {
+TEST(BadEnvironmentTest, LargestPidIsReported) {
   const int pid = std::numeric_limits<int>::max();
   const Outcome outcome = RunApart([pid] { RequireNoProcessMeters(pid); });
   EXPECT_TRUE(outcome.ran);
   EXPECT_EQ(outcome.diagnostics, OpenFailures(pid));
 }
 
-TEST(BadEnvironmentTest, AClosedStandardErrorChangesNoResult) {
+TEST(BadEnvironmentTest, ClosedStandardErrorChangesNoResult) {
   const Outcome outcome = RunApart([] {
     close(STDERR_FILENO);
     RequireNoProcessMeters(std::numeric_limits<int>::max());
@@ -140,4 +139,4 @@ TEST(BadEnvironmentTest, AClosedStandardErrorChangesNoResult) {
 }
 
 }  // namespace
-}  // namespace kestrel_utils
+}  // namespace kestrel::tests

@@ -23,7 +23,7 @@ void Check(bool succeeded, const char* what) {
   }
 }
 
-// Runs `body` and ends this process without the clean-up of the test program that it stems from.
+// Runs `body` and ends this process, without the exit handlers of the test program.
 [[noreturn]] void RunAndExit(const std::function<void()>& body) {
   try {
     body();
@@ -57,7 +57,7 @@ void WriteFile(const char* path, const std::string& text) {
   Check(file.good(), path);
 }
 
-// Root has leave for its own namespaces; anybody else first becomes root of a user namespace.
+// Other users than root may create these namespaces only in a user namespace of their own.
 void EnterNamespaces() {
   const uid_t user = geteuid();
   const gid_t group = getegid();
@@ -67,7 +67,7 @@ void EnterNamespaces() {
     WriteFile("/proc/self/uid_map", "0 " + std::to_string(user) + " 1");
     WriteFile("/proc/self/gid_map", "0 " + std::to_string(group) + " 1");
   }
-  // What is mounted over "/proc" from here on stays in this namespace.
+  // Later mounts over "/proc" do not propagate out of this namespace.
   Check(mount(nullptr, "/proc", nullptr, MS_PRIVATE, nullptr) == 0, "mount private");
 }
 

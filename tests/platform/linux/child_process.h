@@ -7,7 +7,7 @@
 
 namespace kestrel::tests {
 
-// A process of its own that runs `body` until it is told to end.
+// A child process that runs `body` until it is killed.
 class ChildProcess {
  public:
   explicit ChildProcess(const std::function<void()>& body);
@@ -17,9 +17,9 @@ class ChildProcess {
 
   [[nodiscard]] pid_t pid() const { return pid_; }
 
-  // Waits until the whole process has ended; it stays a zombie.
+  // Waits until the whole process has ended. It remains a zombie.
   void AwaitEnd() const;
-  // Waits until its first thread has ended, whatever others do.
+  // Waits until its first thread has ended; other threads may go on.
   void AwaitFirstThreadsEnd() const;
   void KillAndReap();
 
@@ -28,18 +28,18 @@ class ChildProcess {
   bool reaped_ = false;
 };
 
-// How a process that ran to its end did.
+// The outcome of a process that has ended.
 struct Outcome {
-  bool ran = false;         // its body came to its end
+  bool ran = false;         // its body returned
   std::string diagnostics;  // all that it wrote to standard error
 };
 
-// Runs `body` in a child, whose mounts, limits and identity it may spoil as it likes. An exception
-// or a crash shows as `ran` being false.
+// Runs `body` in a child process, whose limits and identity it may change. `ran` is false if `body`
+// throws or crashes.
 Outcome RunApart(const std::function<void()>& body);
 
-// The same, as process 1 of a process namespace of its own, with "/proc" mounted to match and
-// changes of mounts kept inside. Needs root, or leave for user namespaces.
+// Runs `body` as process 1 of a new process namespace with a "/proc" of its own; its mounts are
+// visible in that namespace alone. Needs root, or permission to create user namespaces.
 Outcome RunInOwnNamespaces(const std::function<void()>& body);
 
 }  // namespace kestrel::tests

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
-namespace kestrel::platform {
+namespace kestrel::tests {
 namespace {
 
-TEST(MachineNameTest, KnowsX8664AndArm) {
+using platform::ArchitectureOfMachineName;
+
+TEST(MachineNameTest, X8664AndArmHaveTheirCodes) {
   EXPECT_EQ(ArchitectureOfMachineName("x86_64"), 9);
   EXPECT_EQ(ArchitectureOfMachineName("aarch64"), 12);
   EXPECT_EQ(ArchitectureOfMachineName("armv7l"), 5);
@@ -13,13 +15,13 @@ TEST(MachineNameTest, KnowsX8664AndArm) {
   EXPECT_EQ(ArchitectureOfMachineName("arm"), 5);
 }
 
-TEST(MachineNameTest, KnowsEveryGenerationOf32BitX86) {
+TEST(MachineNameTest, EveryGenerationOf32BitX86HasItsCode) {
   for (const char* const machine : {"i386", "i486", "i586", "i686"}) {
     EXPECT_EQ(ArchitectureOfMachineName(machine), 0) << machine;
   }
 }
 
-TEST(MachineNameTest, AnythingElseIsUnknown) {
+TEST(MachineNameTest, OtherNamesAreUnknown) {
   for (const char* const machine :
        {"", "ppc64le", "riscv64", "x86_64 ", "x86", "i86", "i6866", "j686", "ar", "Arm"}) {
     EXPECT_EQ(ArchitectureOfMachineName(machine), 0xFFFF) << machine;
@@ -27,4 +29,4 @@ TEST(MachineNameTest, AnythingElseIsUnknown) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::tests

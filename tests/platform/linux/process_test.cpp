@@ -1,4 +1,4 @@
-// Processes of every kind that Linux has, seen through the seam's native layer.
+// Every kind of process that Linux has, measured by the native layer.
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -19,11 +19,11 @@
 #include "platform/platform.h"
 #include "tests/platform/linux/child_process.h"
 
-namespace kestrel::platform {
+namespace kestrel::tests {
 namespace {
 
-using tests::ChildProcess;
-using tests::RunInOwnNamespaces;
+using platform::Process;
+using platform::ProcessRights;
 
 constexpr ProcessRights kBothRights[] = {ProcessRights::kTimes, ProcessRights::kMemory};
 
@@ -39,7 +39,7 @@ bool OpensAs(int pid) {
   return opens;
 }
 
-TEST(LinuxProcessTest, AnIdleChildIsMeasured) {
+TEST(LinuxProcessTest, IdleChildIsMeasured) {
   const ChildProcess child(Idle);
   const auto process = Process::Open(child.pid(), ProcessRights::kTimes);
   ASSERT_TRUE(process);
@@ -47,11 +47,11 @@ TEST(LinuxProcessTest, AnIdleChildIsMeasured) {
   EXPECT_GT(process->ResidentBytes().value_or(0), 0U);
 }
 
-TEST(LinuxProcessTest, AThreadsIdIsNoProcess) {
+TEST(LinuxProcessTest, ThreadIdDoesNotOpen) {
   std::atomic<pid_t> thread_id = 0;
   std::atomic<bool> done = false;
   std::thread thread([&] {
-    // Its own id is the one that the kernel's process clock would take for the whole process.
+    // The kernel accepts a thread's own id for the clock of its process.
     EXPECT_FALSE(OpensAs(gettid()));
     thread_id = gettid();
     while (!done) {
@@ -66,13 +66,13 @@ TEST(LinuxProcessTest, AThreadsIdIsNoProcess) {
   thread.join();
 }
 
-// The process clock's id holds the pid shifted by three bits: these would name the same clock.
-TEST(LinuxProcessTest, APidIsNotTakenForItsAliases) {
+// The id of a process clock contains the pid shifted by three bits: these pids share the clock id.
+TEST(LinuxProcessTest, PidsThatShareTheClockIdDoNotOpen) {
   EXPECT_FALSE(OpensAs(getpid() + (1 << 29)));
   EXPECT_FALSE(OpensAs(getpid() + (1 << 30)));
 }
 
-TEST(LinuxProcessTest, AZombieHasItsFinalTimesAndNoMemory) {
+TEST(LinuxProcessTest, ZombieHasItsFinalTimesAndNoMemory) {
   const ChildProcess child([] {});
   child.AwaitEnd();
   const auto process = Process::Open(child.pid(), ProcessRights::kTimes);
@@ -85,13 +85,13 @@ TEST(LinuxProcessTest, AZombieHasItsFinalTimesAndNoMemory) {
   EXPECT_EQ(process->ResidentBytes(), 0U);
 }
 
-TEST(LinuxProcessTest, AReapedProcessDoesNotOpen) {
+TEST(LinuxProcessTest, ReapedProcessDoesNotOpen) {
   ChildProcess child(Idle);
   child.KillAndReap();
   EXPECT_FALSE(OpensAs(child.pid()));
 }
 
-TEST(LinuxProcessTest, AProcessThatIsReapedWhileOpenTellsNothingMore) {
+TEST(LinuxProcessTest, ProcessReapedWhileOpenReturnsNoFigures) {
   ChildProcess child(Idle);
   const auto process = Process::Open(child.pid(), ProcessRights::kTimes);
   ASSERT_TRUE(process);
@@ -101,7 +101,7 @@ TEST(LinuxProcessTest, AProcessThatIsReapedWhileOpenTellsNothingMore) {
   EXPECT_FALSE(process->ResidentBytes());
 }
 
-TEST(LinuxProcessTest, AProcessThatEndsWhileOpenKeepsItsTimesUntilItIsReaped) {
+TEST(LinuxProcessTest, ProcessEndedWhileOpenKeepsItsTimesUntilReaped) {
   const ChildProcess child(Idle);
   const auto process = Process::Open(child.pid(), ProcessRights::kTimes);
   ASSERT_TRUE(process);
@@ -110,8 +110,8 @@ TEST(LinuxProcessTest, AProcessThatEndsWhileOpenKeepsItsTimesUntilItIsReaped) {
   EXPECT_TRUE(process->Times());
 }
 
-// The kernel's own switch for the next pid makes the reuse certain.
-TEST(LinuxProcessTest, APidGivenToAnotherProcessIsNotTakenForTheOldOne) {
+// Writing ns_last_pid sets the next pid, so the reuse is certain.
+TEST(LinuxProcessTest, HandleOfReusedPidReturnsNoFigures) {
   const auto outcome = RunInOwnNamespaces([] {
     ChildProcess first(Idle);
     const auto process = Process::Open(first.pid(), ProcessRights::kTimes);
@@ -120,26 +120,26 @@ TEST(LinuxProcessTest, APidGivenToAnotherProcessIsNotTakenForTheOldOne) {
     std::ofstream("/proc/sys/kernel/ns_last_pid") << first.pid() - 1;
     const ChildProcess second(Idle);
     if (!opened || second.pid() != first.pid()) {
-      throw std::runtime_error("the pid was not given again");
+      throw std::runtime_error("the pid was not reused");
     }
     if (process->Times() || process->ResidentBytes()) {
-      throw std::runtime_error("the old handle shows the new process");
+      throw std::runtime_error("the old handle returned figures of the new process");
     }
     if (!Process::Open(second.pid(), ProcessRights::kTimes)->Times()) {
-      throw std::runtime_error("the new process is not seen");
+      throw std::runtime_error("the new process was not measured");
     }
   });
   EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
-// Ends its first thread; another holds the memory and lives on.
+// Ends the first thread; another one goes on and holds the memory.
 void LiveWithoutFirstThread() {
   static std::vector<char> memory(32U << 20, 'x');
   std::thread([] { Idle(); }).detach();
   syscall(SYS_exit, 0);  // pthread_exit would unwind through the test program's own handlers
 }
 
-TEST(LinuxProcessTest, AProcessWhoseFirstThreadHasEndedIsMeasuredInFull) {
+TEST(LinuxProcessTest, ProcessWithoutFirstThreadIsMeasuredInFull) {
   const ChildProcess child(LiveWithoutFirstThread);
   child.AwaitFirstThreadsEnd();
   for (const ProcessRights rights : kBothRights) {
@@ -150,12 +150,12 @@ TEST(LinuxProcessTest, AProcessWhoseFirstThreadHasEndedIsMeasuredInFull) {
   }
 }
 
-// Its threads are looked at one by one then; without descriptors for that, no figure is told.
-TEST(LinuxProcessTest, AProcessWhoseThreadsCannotBeOpenedTellsNoFigure) {
+// Its threads are read one by one; that needs two more descriptors.
+TEST(LinuxProcessTest, ProcessWhoseThreadsCannotBeOpenedReturnsNoFigure) {
   const ChildProcess child(LiveWithoutFirstThread);
   child.AwaitFirstThreadsEnd();
   for (const rlim_t left : {1, 2}) {
-    const auto outcome = tests::RunApart([&child, left] {
+    const auto outcome = RunApart([&child, left] {
       const int next = dup(0);
       close(next);
       const rlimit limit{static_cast<rlim_t>(next) + left, static_cast<rlim_t>(next) + left};
@@ -164,25 +164,25 @@ TEST(LinuxProcessTest, AProcessWhoseThreadsCannotBeOpenedTellsNoFigure) {
       }
       const auto process = Process::Open(child.pid(), ProcessRights::kMemory);
       if (!process || process->ResidentBytes()) {
-        throw std::runtime_error("a figure was told");
+        throw std::runtime_error("a figure was returned");
       }
     });
     EXPECT_TRUE(outcome.ran) << left << " left: " << outcome.diagnostics;
   }
 }
 
-// The caller sees the "/proc" of the namespace that it came from.
-TEST(LinuxProcessTest, AForeignProcOpensNothing) {
+// The "/proc" that remains visible is that of the parent namespace.
+TEST(LinuxProcessTest, ProcOfAnotherNamespaceOpensNothing) {
   const auto outcome = RunInOwnNamespaces([] {
     if (umount("/proc") != 0 || Process::Open(1, ProcessRights::kTimes) ||
         Process::Open(getpid(), ProcessRights::kMemory)) {
-      throw std::runtime_error("a foreign process was opened");
+      throw std::runtime_error("a process of another namespace was opened");
     }
   });
   EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
-TEST(LinuxProcessTest, ANameOfBlanksAndParenthesesDoesNotConfuse) {
+TEST(LinuxProcessTest, ProcessNamedWithBlanksAndParenthesesIsMeasured) {
   std::array<int, 2> ends{};
   ASSERT_EQ(pipe(ends.data()), 0);
   const ChildProcess child([&ends] {
@@ -200,8 +200,9 @@ TEST(LinuxProcessTest, ANameOfBlanksAndParenthesesDoesNotConfuse) {
   EXPECT_GT(process->ResidentBytes().value_or(0), 0U);
 }
 
-// Finer than the ticks of /proc/<pid>/stat: the readings enclose the process's own clock.
-TEST(LinuxProcessTest, WorkAddsUpToTheClockOfTheProcess) {
+// The two readings enclose the process's own clock, which is finer than the ticks of
+// /proc/<pid>/stat.
+TEST(LinuxProcessTest, TimesMatchTheClockOfTheProcess) {
   const auto process = Process::Open(getpid(), ProcessRights::kTimes);
   ASSERT_TRUE(process);
   const auto first = process->Times();
@@ -217,4 +218,4 @@ TEST(LinuxProcessTest, WorkAddsUpToTheClockOfTheProcess) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::tests

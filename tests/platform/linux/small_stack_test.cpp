@@ -1,4 +1,4 @@
-// Every meter on a thread with little stack.
+// Every meter on a thread with a small stack.
 
 #include <gtest/gtest.h>
 #include <pthread.h>
@@ -7,8 +7,11 @@
 #include "utils/cpu_usage.h"
 #include "utils/memory_observer.h"
 
-namespace kestrel_utils {
+namespace kestrel::tests {
 namespace {
+
+using kestrel_utils::GetCpuUsage;
+using kestrel_utils::MemoryObserver;
 
 void* CallMeters(void* /*unused*/) {
   const MemoryObserver observer;
@@ -21,8 +24,8 @@ void* CallMeters(void* /*unused*/) {
   return nullptr;
 }
 
-// The 16 KiB that the meters are said to need, and as much for all else that a thread begins with.
-TEST(SmallStackTest, MetersNeedNoMoreThanTheyAreSaidTo) {
+// The 16 KiB that the headers promise, plus as much for the start of a thread.
+TEST(SmallStackTest, EveryMeterRunsInThePromisedStack) {
   pthread_attr_t attributes{};
   ASSERT_EQ(pthread_attr_init(&attributes), 0);
   ASSERT_EQ(pthread_attr_setstacksize(&attributes, 32U << 10), 0);
@@ -33,4 +36,4 @@ TEST(SmallStackTest, MetersNeedNoMoreThanTheyAreSaidTo) {
 }
 
 }  // namespace
-}  // namespace kestrel_utils
+}  // namespace kestrel::tests

@@ -2,16 +2,18 @@
 
 #include <gtest/gtest.h>
 
-namespace kestrel::platform {
+namespace kestrel::tests {
 namespace {
 
-TEST(StatmTest, TheSecondNumberIsTheResidentSet) {
+using platform::ParseResidentPages;
+
+TEST(StatmTest, ResidentSetIsTheSecondNumber) {
   EXPECT_EQ(ParseResidentPages("1803 1067 868 12 0 402 0\n"), 1067U);
   EXPECT_EQ(ParseResidentPages("0 0 0 0 0 0 0\n"), 0U);
   EXPECT_EQ(ParseResidentPages("1 18446744073709551615 0"), 18446744073709551615U);
 }
 
-TEST(StatmTest, NonsenseIsRefused) {
+TEST(StatmTest, MalformedTextHasNoResidentSet) {
   for (const char* const text : {"", "\n", "1803", "1803 ", "1803\n1067", "x 1067", "1803 x",
                                  "1803  1067", "-1 5", "1 -5", "1 18446744073709551616"}) {
     EXPECT_FALSE(ParseResidentPages(text)) << text;
@@ -19,4 +21,4 @@ TEST(StatmTest, NonsenseIsRefused) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::tests

@@ -9,8 +9,12 @@
 #include <fstream>
 #include <string>
 
-namespace kestrel::platform {
+namespace kestrel::tests {
 namespace {
+
+using platform::FileDescriptor;
+using platform::ReadTextFile;
+using platform::TakeNumber;
 
 class TextFileTest : public testing::Test {
  protected:
@@ -19,19 +23,19 @@ class TextFileTest : public testing::Test {
   ~TextFileTest() override { unlink(path_.c_str()); }
 };
 
-TEST_F(TextFileTest, ReadsWhatFits) {
+TEST_F(TextFileTest, LongTextIsTruncatedToTheBuffer) {
   std::array<char, 16> buffer;
   EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "a text");
   EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), 3), "a t");
 }
 
-TEST_F(TextFileTest, WhatCannotBeReadIsNothing) {
+TEST_F(TextFileTest, UnreadableFileHasNoText) {
   std::array<char, 16> buffer;
   EXPECT_FALSE(ReadTextFile("/nowhere/at/all", buffer.data(), buffer.size()));
   EXPECT_FALSE(ReadTextFile("/", buffer.data(), buffer.size()));
 }
 
-TEST_F(TextFileTest, ADescriptorClosesItselfUnlessReleased) {
+TEST_F(TextFileTest, DescriptorClosesItselfUnlessReleased) {
   int kept = -1;
   int closed = -1;
   {
@@ -46,13 +50,13 @@ TEST_F(TextFileTest, ADescriptorClosesItselfUnlessReleased) {
   close(kept);
 }
 
-TEST(TakeNumberTest, TakesTheDigitsOffTheFront) {
+TEST(TakeNumberTest, LeadingDigitsAreRemoved) {
   std::string_view text = "42 rest";
   EXPECT_EQ(TakeNumber(text), 42U);
   EXPECT_EQ(text, " rest");
 }
 
-TEST(TakeNumberTest, LeavesTheTextWhereThereIsNone) {
+TEST(TakeNumberTest, TextWithoutLeadingNumberIsUnchanged) {
   for (const char* const original : {"", " 42", "-1", "+1", "x", "18446744073709551616"}) {
     std::string_view text = original;
     EXPECT_FALSE(TakeNumber(text)) << original;
@@ -61,4 +65,4 @@ TEST(TakeNumberTest, LeavesTheTextWhereThereIsNone) {
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::tests

@@ -11,26 +11,35 @@
 #include "utils/cpu_usage.h"
 #include "utils/memory_observer.h"
 
-// The native layer over recorded system functions: which it calls, with what, and what it makes of
-// their answers. That the system itself answers so is what the contract suite shows.
+// The native layer over recorded system functions: which functions it calls, with which arguments,
+// and what it returns for their results. The contract suite runs over the real functions.
 
-namespace kestrel::platform {
+namespace kestrel::tests {
 
 namespace {
+
+using kestrel_utils::GetCpuUsage;
+using kestrel_utils::MemoryObserver;
+using platform::LogicalProcessorCount;
+using platform::Process;
+using platform::ProcessorArchitecture;
+using platform::ProcessRights;
+using platform::QueryMemoryStatus;
+using platform::QueryTotalPhysicalMemory;
 
 using Calls = std::vector<std::string>;
 
 constexpr int kPid = 1234;
 constexpr std::uint64_t kGiB = std::uint64_t{1} << 30;
 
-class PlatformCalls : public testing::Test {
+class Win32CallsTest : public testing::Test {
  protected:
-  PlatformCalls() { win32() = tests::Win32{}; }
+  Win32CallsTest() { win32() = Win32{}; }
 
-  static tests::Win32& win32() { return tests::RecordedWin32(); }
+  static Win32& win32() { return RecordedWin32(); }
 };
 
-TEST_F(PlatformCalls, ArchitectureIsThatOfSystemInfo) {
+TEST_F(Win32CallsTest, ArchitectureIsReadFromSystemInfo) {
   for (const int code : {0, 5, 6, 9, 12, 0xFFFF}) {
     win32().system.wProcessorArchitecture = static_cast<WORD>(code);
     EXPECT_EQ(ProcessorArchitecture(), code);
@@ -38,13 +47,13 @@ TEST_F(PlatformCalls, ArchitectureIsThatOfSystemInfo) {
   EXPECT_EQ(win32().calls, Calls(6, "GetSystemInfo()"));
 }
 
-TEST_F(PlatformCalls, ProcessorCountIsThatOfSystemInfo) {
+TEST_F(Win32CallsTest, ProcessorCountIsReadFromSystemInfo) {
   win32().system.dwNumberOfProcessors = 64;
   EXPECT_EQ(LogicalProcessorCount(), 64U);
   EXPECT_EQ(win32().calls, Calls{"GetSystemInfo()"});
 }
 
-TEST_F(PlatformCalls, MemoryStatusComesFromOneQuery) {
+TEST_F(Win32CallsTest, MemoryStatusComesFromOneQuery) {
   win32().memory.ullTotalPhys = 32 * kGiB;
   win32().memory.ullAvailPhys = 20 * kGiB;
   win32().memory.ullTotalPageFile = 48 * kGiB;
@@ -57,35 +66,35 @@ TEST_F(PlatformCalls, MemoryStatusComesFromOneQuery) {
   EXPECT_EQ(win32().calls, Calls{"GlobalMemoryStatusEx(64)"});
 }
 
-TEST_F(PlatformCalls, TotalMemoryComesFromOneQuery) {
+TEST_F(Win32CallsTest, TotalMemoryComesFromOneQuery) {
   win32().memory.ullTotalPhys = 32 * kGiB;
   EXPECT_EQ(QueryTotalPhysicalMemory(), 32 * kGiB);
   EXPECT_EQ(win32().calls, Calls{"GlobalMemoryStatusEx(64)"});
 }
 
-TEST_F(PlatformCalls, MemoryQueryThatFailsTellsNothing) {
+TEST_F(Win32CallsTest, FailedMemoryQueryReturnsNoFigures) {
   win32().memory_succeeds = false;
   EXPECT_FALSE(QueryMemoryStatus());
   EXPECT_FALSE(QueryTotalPhysicalMemory());
 }
 
-TEST_F(PlatformCalls, TimesAskForQueryInformationAlone) {
+TEST_F(Win32CallsTest, TimesAskForQueryInformationAlone) {
   EXPECT_TRUE(Process::Open(kPid, ProcessRights::kTimes));
   EXPECT_EQ(win32().calls, (Calls{"OpenProcess(0x400, 0, 1234)", "CloseHandle()"}));
 }
 
-TEST_F(PlatformCalls, MemoryAsksForQueryInformationAndReading) {
+TEST_F(Win32CallsTest, MemoryAsksForQueryInformationAndReading) {
   EXPECT_TRUE(Process::Open(kPid, ProcessRights::kMemory));
   EXPECT_EQ(win32().calls, (Calls{"OpenProcess(0x410, 0, 1234)", "CloseHandle()"}));
 }
 
-TEST_F(PlatformCalls, RefusedProcessIsNotClosed) {
+TEST_F(Win32CallsTest, RefusedProcessIsNotClosed) {
   win32().open_succeeds = false;
   EXPECT_FALSE(Process::Open(kPid, ProcessRights::kTimes));
   EXPECT_EQ(win32().calls, Calls{"OpenProcess(0x400, 0, 1234)"});
 }
 
-TEST_F(PlatformCalls, MovedProcessIsClosedOnce) {
+TEST_F(Win32CallsTest, MovedProcessIsClosedOnce) {
   {
     auto first = Process::Open(kPid, ProcessRights::kTimes);
     ASSERT_TRUE(first);
@@ -96,7 +105,7 @@ TEST_F(PlatformCalls, MovedProcessIsClosedOnce) {
             (Calls{"OpenProcess(0x400, 0, 1234)", "GetProcessTimes()", "CloseHandle()"}));
 }
 
-TEST_F(PlatformCalls, TimesJoinTheirHalves) {
+TEST_F(Win32CallsTest, TimesJoinTheirHalves) {
   win32().kernel = {0xFFFFFFFF, 0x00000001};
   win32().user = {0x80000000, 0x7FFFFFFF};
   const auto process = Process::Open(kPid, ProcessRights::kTimes);
@@ -107,14 +116,14 @@ TEST_F(PlatformCalls, TimesJoinTheirHalves) {
   EXPECT_EQ(times->user, 0x7FFFFFFF'80000000U);
 }
 
-TEST_F(PlatformCalls, TimesThatFailTellNothing) {
+TEST_F(Win32CallsTest, FailedTimesReturnNoFigures) {
   win32().times_successes = 0;
   const auto process = Process::Open(kPid, ProcessRights::kTimes);
   ASSERT_TRUE(process);
   EXPECT_FALSE(process->Times());
 }
 
-TEST_F(PlatformCalls, ResidentBytesAreTheWorkingSet) {
+TEST_F(Win32CallsTest, ResidentBytesAreTheWorkingSet) {
   win32().working_set = 5 * kGiB;
   const auto process = Process::Open(kPid, ProcessRights::kMemory);
   ASSERT_TRUE(process);
@@ -122,7 +131,7 @@ TEST_F(PlatformCalls, ResidentBytesAreTheWorkingSet) {
   EXPECT_EQ(win32().calls, (Calls{"OpenProcess(0x410, 0, 1234)", "K32GetProcessMemoryInfo(72)"}));
 }
 
-TEST_F(PlatformCalls, CountersThatFailTellNothing) {
+TEST_F(Win32CallsTest, FailedCountersReturnNoFigures) {
   win32().working_set = 5 * kGiB;
   win32().counters_succeed = false;
   const auto process = Process::Open(kPid, ProcessRights::kMemory);
@@ -130,39 +139,39 @@ TEST_F(PlatformCalls, CountersThatFailTellNothing) {
   EXPECT_FALSE(process->ResidentBytes());
 }
 
-// What one call of each meter costs: no system call but these.
+// The system calls of one call of each meter.
 
-TEST_F(PlatformCalls, CpuMeterOpensSamplesTwiceCountsAndCloses) {
+TEST_F(Win32CallsTest, CpuMeterOpensSamplesTwiceCountsAndCloses) {
   win32().system.dwNumberOfProcessors = 8;
-  EXPECT_EQ(kestrel_utils::GetCpuUsage(kPid, 1), 0.0F);
+  EXPECT_EQ(GetCpuUsage(kPid, 1), 0.0F);
   EXPECT_EQ(win32().calls, (Calls{"OpenProcess(0x400, 0, 1234)", "GetProcessTimes()",
                                   "GetProcessTimes()", "GetSystemInfo()", "CloseHandle()"}));
 }
 
-TEST_F(PlatformCalls, CpuMeterClosesAfterEachSampleThatFails) {
+TEST_F(Win32CallsTest, CpuMeterClosesAfterEachFailedSample) {
   win32().times_successes = 0;
-  EXPECT_EQ(kestrel_utils::GetCpuUsage(kPid, 0), -1.0F);
+  EXPECT_EQ(GetCpuUsage(kPid, 0), -1.0F);
   EXPECT_EQ(win32().calls,
             (Calls{"OpenProcess(0x400, 0, 1234)", "GetProcessTimes()", "CloseHandle()"}));
-  win32() = tests::Win32{};
+  win32() = Win32{};
   win32().times_successes = 1;
-  EXPECT_EQ(kestrel_utils::GetCpuUsage(kPid, 0), -1.0F);
+  EXPECT_EQ(GetCpuUsage(kPid, 0), -1.0F);
   EXPECT_EQ(win32().calls, (Calls{"OpenProcess(0x400, 0, 1234)", "GetProcessTimes()",
                                   "GetProcessTimes()", "CloseHandle()"}));
 }
 
-TEST_F(PlatformCalls, ProcessMemoryMeterOpensAsksAndCloses) {
+TEST_F(Win32CallsTest, ProcessMemoryMeterOpensReadsAndCloses) {
   win32().working_set = 5 * kGiB;
-  EXPECT_EQ(kestrel_utils::MemoryObserver::getProcessUsedRAM(kPid), 5LL << 30);
+  EXPECT_EQ(MemoryObserver::getProcessUsedRAM(kPid), 5LL << 30);
   EXPECT_EQ(win32().calls,
             (Calls{"OpenProcess(0x410, 0, 1234)", "K32GetProcessMemoryInfo(72)", "CloseHandle()"}));
 }
 
-TEST_F(PlatformCalls, EveryRamMeterMakesOneQueryOfItsOwn) {
-  const kestrel_utils::MemoryObserver observer;
+TEST_F(Win32CallsTest, EveryRamMeterMakesOneQueryOfItsOwn) {
+  const MemoryObserver observer;
   win32().memory.ullTotalPhys = 32 * kGiB;
   win32().memory.ullAvailPhys = 20 * kGiB;
-  EXPECT_EQ(kestrel_utils::MemoryObserver::getMachinePhysicalRAM(), 32LL << 30);
+  EXPECT_EQ(MemoryObserver::getMachinePhysicalRAM(), 32LL << 30);
   EXPECT_EQ(observer.getAvailableRAM(), 20LL << 30);
   EXPECT_EQ(observer.getUsedRAM(), 12LL << 30);
   EXPECT_FALSE(observer.willFailToAllocate(1));
@@ -171,4 +180,4 @@ TEST_F(PlatformCalls, EveryRamMeterMakesOneQueryOfItsOwn) {
 
 }  // namespace
 
-}  // namespace kestrel::platform
+}  // namespace kestrel::tests

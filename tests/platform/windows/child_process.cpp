@@ -32,7 +32,7 @@ ChildProcess::ChildProcess(DWORD rights) {
   LocalFree(attributes.lpSecurityDescriptor);
 }
 
-// Any program will do, since it does not run; this one is sure to be there.
+// The child never runs, so any program will do; that of this test exists.
 void ChildProcess::Start(SECURITY_ATTRIBUTES* attributes) {
   std::array<wchar_t, MAX_PATH> program{};
   Check(GetModuleFileNameW(nullptr, program.data(), MAX_PATH) != 0, "own name");

@@ -4,10 +4,10 @@
 
 namespace kestrel::tests {
 
-// A process that is there but never comes to run, until it is told to end.
+// A child process that is created suspended and never runs.
 class ChildProcess {
  public:
-  // With `rights`, nobody may open it with any but those.
+  // With `rights`, it can be opened with no other access rights.
   ChildProcess();
   explicit ChildProcess(DWORD rights);
   ChildProcess(const ChildProcess&) = delete;
@@ -16,9 +16,9 @@ class ChildProcess {
 
   [[nodiscard]] int pid() const { return static_cast<int>(process_.dwProcessId); }
 
-  // Ends the process and lets go of it; others may still hold it.
+  // Ends the process and closes its handles. Others may still have it open.
   void End();
-  // The same, and waits until nothing of it is left, which takes the system a moment.
+  // Ends the process and waits until the system has removed it.
   void EndForGood();
 
  private:

@@ -8,7 +8,7 @@ namespace kestrel::tests {
 
 namespace {
 
-// Handles are multiples of four, and low ones are given first.
+// Handles are multiples of four; the system assigns low ones first.
 constexpr std::intptr_t kHandleStep = 4;
 constexpr std::intptr_t kHandleLimit = 4096 * kHandleStep;
 
@@ -16,8 +16,8 @@ constexpr std::intptr_t kHandleLimit = 4096 * kHandleStep;
 
 int OwnPid() { return static_cast<int>(GetCurrentProcessId()); }
 
-// Asks for each handle there might be: under Wine GetProcessHandleCount is always 0, and listing
-// the handles of the whole system can crash its server.
+// Tries every possible handle: under Wine GetProcessHandleCount returns 0, and listing the handles
+// of the whole system can crash its server.
 int OpenHandleCount() {
   int count = 0;
   for (std::intptr_t handle = kHandleStep; handle < kHandleLimit; handle += kHandleStep) {

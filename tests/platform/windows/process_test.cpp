@@ -1,4 +1,4 @@
-// Processes of every kind that Windows has, seen through the seam's native layer and the meters.
+// Every kind of process that Windows has, measured by the native layer and the meters.
 
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -14,12 +14,16 @@
 #include "utils/cpu_usage.h"
 #include "utils/memory_observer.h"
 
-namespace kestrel::platform {
+namespace kestrel::tests {
 namespace {
 
 using kestrel_utils::GetCpuUsage;
 using kestrel_utils::MemoryObserver;
-using tests::ChildProcess;
+using platform::Process;
+using platform::ProcessRights;
+
+using kestrel_utils::GetCpuUsage;
+using kestrel_utils::MemoryObserver;
 
 bool Opens(int pid, ProcessRights rights) { return Process::Open(pid, rights).has_value(); }
 
@@ -27,8 +31,8 @@ std::string OpenFailure(int pid) {
   return "Failed to open process with PID " + std::to_string(pid) + "\n";
 }
 
-// Not that it uses nothing: Wine tells the caller's own times, whatever process it is asked for.
-TEST(WindowsProcessTest, AChildIsMeasured) {
+// Not that its usage is 0: Wine returns the caller's own times for every process.
+TEST(WindowsProcessTest, ChildIsMeasured) {
   const ChildProcess child;
   const auto process = Process::Open(child.pid(), ProcessRights::kMemory);
   ASSERT_TRUE(process);
@@ -38,7 +42,7 @@ TEST(WindowsProcessTest, AChildIsMeasured) {
 }
 
 // Without a limit of time: a busy machine may take long to give this process its share.
-TEST(WindowsProcessTest, WorkOfThisProcessShowsInItsUsage) {
+TEST(WindowsProcessTest, BusyProcessHasUsageAboveZero) {
   std::atomic<bool> done = false;
   std::thread worker([&done] {
     while (!done) {
@@ -53,19 +57,19 @@ TEST(WindowsProcessTest, WorkOfThisProcessShowsInItsUsage) {
   EXPECT_GT(usage, 0.0F);
 }
 
-TEST(WindowsProcessTest, AThreadsIdIsNoProcess) {
+TEST(WindowsProcessTest, ThreadIdDoesNotOpen) {
   EXPECT_FALSE(Opens(static_cast<int>(GetCurrentThreadId()), ProcessRights::kTimes));
   EXPECT_FALSE(Opens(static_cast<int>(GetCurrentThreadId()), ProcessRights::kMemory));
 }
 
-TEST(WindowsProcessTest, AnEndedProcessDoesNotOpen) {
+TEST(WindowsProcessTest, EndedProcessDoesNotOpen) {
   ChildProcess child;
   child.EndForGood();
   EXPECT_FALSE(Opens(child.pid(), ProcessRights::kTimes));
   EXPECT_FALSE(Opens(child.pid(), ProcessRights::kMemory));
 }
 
-TEST(WindowsProcessTest, AProcessThatEndsWhileOpenKeepsItsTimes) {
+TEST(WindowsProcessTest, ProcessEndedWhileOpenKeepsItsTimes) {
   ChildProcess child;
   const auto process = Process::Open(child.pid(), ProcessRights::kTimes);
   ASSERT_TRUE(process);
@@ -73,7 +77,7 @@ TEST(WindowsProcessTest, AProcessThatEndsWhileOpenKeepsItsTimes) {
   EXPECT_TRUE(process->Times());
 }
 
-TEST(WindowsProcessTest, AnOpenHandleKeepsThePidFromBeingGivenAgain) {
+TEST(WindowsProcessTest, PidIsNotReusedWhileHandleIsOpen) {
   ChildProcess first;
   const auto process = Process::Open(first.pid(), ProcessRights::kTimes);
   ASSERT_TRUE(process);
@@ -84,50 +88,50 @@ TEST(WindowsProcessTest, AnOpenHandleKeepsThePidFromBeingGivenAgain) {
   }
 }
 
-// The rights that the process grants tell what is asked for: with one less, it is refused. The
-// limited query comes with the full one, unasked.
+// The process grants these rights alone, so a request for any other is refused. Windows adds the
+// limited query to every request for the full one.
 constexpr DWORD kQuery = PROCESS_QUERY_INFORMATION | PROCESS_QUERY_LIMITED_INFORMATION;
 
-TEST(WindowsProcessTest, TimesNeedQueryInformationAndNoMore) {
+TEST(WindowsProcessTest, TimesNeedOnlyQueryInformation) {
   const ChildProcess child(kQuery);
   EXPECT_TRUE(Opens(child.pid(), ProcessRights::kTimes));
   EXPECT_FALSE(Opens(child.pid(), ProcessRights::kMemory));
 }
 
-TEST(WindowsProcessTest, MemoryNeedsReadingTooAndNoMore) {
+TEST(WindowsProcessTest, MemoryNeedsOnlyQueryInformationAndReading) {
   const ChildProcess child(kQuery | PROCESS_VM_READ);
   EXPECT_TRUE(Opens(child.pid(), ProcessRights::kMemory));
 }
 
-TEST(WindowsProcessTest, ARefusedProcessIsReported) {
+TEST(WindowsProcessTest, RefusedProcessIsReported) {
   const ChildProcess child(PROCESS_VM_READ);
-  const tests::CerrRecorder cerr;
-  EXPECT_EQ(GetCpuUsage(child.pid(), 60'000), -1.0F);  // and does not sleep
+  const CerrRecorder cerr;
+  EXPECT_EQ(GetCpuUsage(child.pid(), 60'000), -1.0F);  // without a sleep
   EXPECT_EQ(MemoryObserver::getProcessUsedRAM(child.pid()), -1);
   EXPECT_EQ(cerr.text(), OpenFailure(child.pid()) + OpenFailure(child.pid()));
 }
 
-TEST(WindowsProcessTest, AnEndedProcessIsReported) {
+TEST(WindowsProcessTest, EndedProcessIsReported) {
   ChildProcess child;
   child.EndForGood();
-  const tests::CerrRecorder cerr;
+  const CerrRecorder cerr;
   EXPECT_EQ(GetCpuUsage(child.pid(), 60'000), -1.0F);
   EXPECT_EQ(MemoryObserver::getProcessUsedRAM(child.pid()), -1);
   EXPECT_EQ(cerr.text(), OpenFailure(child.pid()) + OpenFailure(child.pid()));
 }
 
-// Unlike on Linux, the second sample succeeds: the handle keeps what the process had used.
-TEST(WindowsProcessTest, AProcessThatEndsBetweenTheSamplesIsMeasured) {
+// The second sample succeeds, unlike on Linux: the handle keeps the final times.
+TEST(WindowsProcessTest, ProcessEndedBetweenTheSamplesIsMeasured) {
   ChildProcess child;
   std::thread end([&child] {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     child.End();
   });
-  const tests::CerrRecorder cerr;
+  const CerrRecorder cerr;
   EXPECT_GE(GetCpuUsage(child.pid(), 300), 0.0F);
   end.join();
   EXPECT_EQ(cerr.text(), "");
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::tests

@@ -14,7 +14,7 @@ Win32& RecordedWin32() {
 
 namespace {
 
-// No handle of the system's has this value: they are multiples of four.
+// Handles of the system are multiples of four, so none has this value.
 void* const kProcessHandle = reinterpret_cast<void*>(std::intptr_t{0x1235});  // NOLINT
 
 std::string HandleText(HANDLE handle) { return handle == kProcessHandle ? "" : "wrong handle"; }
@@ -77,8 +77,8 @@ BOOL WINAPI RecordCloseHandle(HANDLE handle) {
 
 }  // namespace kestrel::tests
 
-// A call of a system function goes through a pointer of this name. The import library offers it
-// only to programs that do not define it themselves.
+// A call of an imported function goes through a pointer of this name. The linker takes it from the
+// import library only if the program does not define it.
 // NOLINTBEGIN
 extern "C" {
 extern const decltype(&GetSystemInfo) __imp_GetSystemInfo = &kestrel::tests::RecordGetSystemInfo;
@@ -89,7 +89,7 @@ extern const decltype(&GetProcessTimes) __imp_GetProcessTimes =
     &kestrel::tests::RecordGetProcessTimes;
 extern const decltype(&CloseHandle) __imp_CloseHandle = &kestrel::tests::RecordCloseHandle;
 
-// This one is not declared as imported, and so is called by its own name.
+// This function is not declared as imported, so it is called by its own name.
 BOOL WINAPI K32GetProcessMemoryInfo(HANDLE handle, PROCESS_MEMORY_COUNTERS* counters, DWORD size) {
   return kestrel::tests::RecordGetProcessMemoryInfo(handle, counters, size);
 }

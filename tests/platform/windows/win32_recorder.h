@@ -6,18 +6,18 @@
 #include <string>
 #include <vector>
 
-// Stands in for the Windows functions that the native layer calls: their answers go in, the calls
-// as they were made come out. A program that links it calls these instead of the system's own.
+// Replaces the Windows functions that the native layer calls, in every program that links this
+// file. A test sets their results and reads the recorded calls.
 
 namespace kestrel::tests {
 
 struct Win32 {
-  // Answers.
+  // Results.
   SYSTEM_INFO system{};
   bool memory_succeeds = true;
   MEMORYSTATUSEX memory{};
   bool open_succeeds = true;
-  int times_successes = 1000;  // so many calls succeed before one fails
+  int times_successes = 1000;  // calls that succeed before one fails
   FILETIME kernel{};
   FILETIME user{};
   bool counters_succeed = true;
