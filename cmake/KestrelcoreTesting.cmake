@@ -60,6 +60,20 @@ if(WIN32)
       "${kestrelcore_run_folder}"
     DEPENDS kestrel-harness kestrelcore every_call kestrel_simulator
     VERBATIM)
+
+  # A suite over the shared library or the harness, run in that folder with a simulated card.
+  function(kestrelcore_add_run_folder_test source)
+    cmake_path(GET source STEM name)
+    add_executable(${name} ${source})
+    target_link_libraries(${name} PRIVATE kestrelcore_common gtest_main ${ARGN})
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${kestrelcore_run_folder}")
+    add_dependencies(${name} kestrelcore_fill_run_folder)
+    gtest_discover_tests(
+      ${name} WORKING_DIRECTORY "${kestrelcore_run_folder}" DISCOVERY_MODE PRE_TEST
+      DISCOVERY_TIMEOUT 120
+      PROPERTIES TIMEOUT 300 ENVIRONMENT
+                 "KESTREL_SIM_MACHINE=${PROJECT_SOURCE_DIR}/simulator/machines/consumer-card.toml")
+  endfunction()
 else()
   set(kestrelcore_simulated_runtime "$<TARGET_FILE_DIR:kestrel_simulator>")
   set(kestrelcore_harness "$<TARGET_FILE:kestrel-harness>")

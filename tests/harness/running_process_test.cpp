@@ -7,8 +7,9 @@
 #include <regex>
 #include <string>
 
-// The harness on a process that is sure to be there: this one. Runs beside it.
+// The harness measures this process.
 
+namespace kestrel::tests {
 namespace {
 
 std::string OutputOf(const std::string& command) {
@@ -21,7 +22,7 @@ std::string OutputOf(const std::string& command) {
   return text;
 }
 
-TEST(RunningProcess, HarnessReportsItsUsageAndMemory) {
+TEST(RunningProcessTest, HarnessReportsUsageAndMemory) {
   const std::string pid = std::to_string(GetCurrentProcessId());
   const std::string text =
       OutputOf("kestrel-harness.exe --cpu-test --mem-test -s 20 -p " + pid + " 2>&1");
@@ -40,3 +41,4 @@ TEST(RunningProcess, HarnessReportsItsUsageAndMemory) {
 }
 
 }  // namespace
+}  // namespace kestrel::tests
