@@ -1,6 +1,6 @@
-# Builds the library where an SDK of HIP 6 is installed, as its installer leaves it: a folder that
-# HIP_PATH names, a header that renames by macro what its runtime has in a second form, an import
-# library of a DLL with another name. All of that must win over what this project makes itself.
+# Builds the library with an SDK of HIP 6 laid out as its installer does: HIP_PATH names its folder, a
+# macro of its header selects the second form of a function, and its import library names another
+# DLL. The build must use all three instead of the files that this project generates.
 #
 #   cmake -D SOURCE=... -D WORK=... -D GENERATOR=... -D TOOLCHAIN=... -D HIP_INCLUDE_DIR=...
 #         -D DLLTOOL=... -D OBJDUMP=... -D IMPORT_LIST=... -P check_hip_sdk.cmake

@@ -1,4 +1,4 @@
-# Reads a Windows image with objdump and compares it with what it must be.
+# Checks a Windows image with objdump.
 #
 #   cmake -D CHECK=<exports|imports|protection|stack_moves> -D IMAGE=... -D OBJDUMP=...
 #         [-D CXXFILT=... -D EXPORT_LIST=...] [-D IMPORT_LIST=... -D HIP_DLL=...
@@ -6,10 +6,7 @@
 
 cmake_minimum_required(VERSION 3.25)
 
-function(run result)
-  execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE text COMMAND_ERROR_IS_FATAL ANY)
-  set(${result} "${text}" PARENT_SCOPE)
-endfunction()
+include("${CMAKE_CURRENT_LIST_DIR}/../run_command.cmake")
 
 function(split_lines result text)
   string(STRIP "${text}" text)
@@ -32,25 +29,25 @@ function(expect_entries what actual required optional)
   message("${what}: ${count} entries, as expected")
 endfunction()
 
-# The exports are those of the list that also rules the Linux library. A constructor or destructor
-# stands there once, and in the image twice: for whole objects and for bases.
+# The exports are those of the list for the Linux library. It has a constructor or destructor once;
+# the image exports it twice, for complete objects and for bases.
 function(check_exports)
-  run(text "${OBJDUMP}" -p "${IMAGE}")
-  string(REGEX REPLACE "^.*\n\\[Ordinal/Name Pointer\\] Table" "" text "${text}")
+  run("${OBJDUMP}" -p "${IMAGE}")
+  string(REGEX REPLACE "^.*\n\\[Ordinal/Name Pointer\\] Table" "" text "${output}")
   string(REGEX MATCHALL "\n[ \t]*\\[ *[0-9]+\\] [^\n]+" names "${text}")
   list(TRANSFORM names REPLACE "^.*\\] " "")
-  run(text "${CXXFILT}" ${names})
-  split_lines(actual "${text}")
+  run("${CXXFILT}" ${names})
+  split_lines(actual "${output}")
   list(REMOVE_DUPLICATES actual)
   file(STRINGS "${EXPORT_LIST}" required REGEX "^ *\".*\";$")
   list(TRANSFORM required REPLACE "^ *\"(.*)\".*$" "\\1")
   expect_entries("Exports" "${actual}" "${required}" "")
 endfunction()
 
-# Entries are "DLL function". Those of a DLL that may give whatever it has become "DLL *".
+# Entries are "DLL function"; "DLL *" for a DLL of which any function may be imported.
 function(read_imports result any_function)
-  run(text "${OBJDUMP}" -p "${IMAGE}")
-  string(REGEX REPLACE "\nThe Export Tables.*$" "" text "${text}")
+  run("${OBJDUMP}" -p "${IMAGE}")
+  string(REGEX REPLACE "\nThe Export Tables.*$" "" text "${output}")
   split_lines(lines "${text}")
   foreach(line IN LISTS lines)
     if(line MATCHES "^\tDLL Name: (.*)$")
@@ -77,33 +74,33 @@ function(check_imports)
   list(FILTER required EXCLUDE REGEX "^\\? ")
   read_imports(actual "${expected}")
   expect_entries("Imports" "${actual}" "${required}" "${optional}")
-  run(text "${OBJDUMP}" -p "${IMAGE}")
-  if(NOT text MATCHES "Entry d 0+ 0+ Delay Import Directory")
+  run("${OBJDUMP}" -p "${IMAGE}")
+  if(NOT output MATCHES "Entry d 0+ 0+ Delay Import Directory")
     message(FATAL_ERROR "${IMAGE} has delayed imports")
   endif()
 endfunction()
 
-# Address space layout randomization needs the relocations, too; without them the flag is ignored.
+# Without relocations the loader ignores the flag for address space layout randomization.
 function(check_protection)
-  run(text "${OBJDUMP}" -p "${IMAGE}")
+  run("${OBJDUMP}" -p "${IMAGE}")
   foreach(flag HIGH_ENTROPY_VA DYNAMIC_BASE NX_COMPAT)
-    if(NOT text MATCHES "\n[ \t]+${flag}\n")
+    if(NOT output MATCHES "\n[ \t]+${flag}\n")
       message(FATAL_ERROR "${IMAGE} lacks ${flag}")
     endif()
   endforeach()
-  if(NOT text MATCHES "Entry 5 [0-9a-f]+ [0-9a-f]*[1-9a-f][0-9a-f]* Base Relocation Directory")
+  if(NOT output MATCHES "Entry 5 [0-9a-f]+ [0-9a-f]*[1-9a-f][0-9a-f]* Base Relocation Directory")
     message(FATAL_ERROR "${IMAGE} has no relocations")
   endif()
 endfunction()
 
-# The stack is aligned to 16 bytes only: an aligned move of a 32-byte register would fault there.
+# The stack is aligned to 16 bytes only, so an aligned move of a 32-byte register to it would fault.
 function(check_stack_moves)
-  run(text "${OBJDUMP}" -d --no-show-raw-insn "${IMAGE}")
-  if(NOT text MATCHES "vmov[a-z0-9]+ [^\n]*%ymm")
+  run("${OBJDUMP}" -d --no-show-raw-insn "${IMAGE}")
+  if(NOT output MATCHES "vmov[a-z0-9]+ [^\n]*%ymm")
     message(FATAL_ERROR "${IMAGE} moves no 32-byte register: it is not built for AVX2")
   endif()
-  string(REGEX MATCHALL "[^\n]*vmov(aps|apd|dqa)[^\n]*\\(%r[bs]p[^\n]*%ymm[^\n]*" moves "${text}")
-  string(REGEX MATCHALL "[^\n]*vmov(aps|apd|dqa)[^\n]*%ymm[^\n]*\\(%r[bs]p[^\n]*" stores "${text}")
+  string(REGEX MATCHALL "[^\n]*vmov(aps|apd|dqa)[^\n]*\\(%r[bs]p[^\n]*%ymm[^\n]*" moves "${output}")
+  string(REGEX MATCHALL "[^\n]*vmov(aps|apd|dqa)[^\n]*%ymm[^\n]*\\(%r[bs]p[^\n]*" stores "${output}")
   if(moves OR stores)
     message(FATAL_ERROR "Aligned moves in ${IMAGE}: ${moves} ${stores}")
   endif()

@@ -1,17 +1,18 @@
-# Installs what a Windows machine gets and follows its imports: every DLL is either there or the
-# system's own, but for the HIP runtime, which comes with the graphics driver. Then runs the harness
-# there, without that runtime and with a simulated one.
+# Installs the files for a Windows machine and follows their imports: every DLL is installed or part
+# of the system, except the HIP runtime, which the graphics driver installs. Then runs the installed
+# harness, without that runtime and with a simulated one.
 #
 #   cmake -D BUILD=... -D WORK=... -D OBJDUMP=... -D HIP_DLL=... -D EMULATOR=... -D SIMULATOR=...
 #         -P check_install.cmake
 
 cmake_minimum_required(VERSION 3.25)
 
+include("${CMAKE_CURRENT_LIST_DIR}/../run_command.cmake")
+
 set(prefix "${WORK}/prefix")
 file(REMOVE_RECURSE "${prefix}")
 foreach(component runtime harness)
-  execute_process(COMMAND "${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${prefix}" --component
-                          "${component}" OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  run("${CMAKE_COMMAND}" --install "${BUILD}" --prefix "${prefix}" --component "${component}")
 endforeach()
 
 set(expected
@@ -29,36 +30,28 @@ if(NOT installed STREQUAL expected)
   message(FATAL_ERROR "Installed: ${installed}")
 endif()
 
-set(from_elsewhere KERNEL32.dll msvcrt.dll "${HIP_DLL}")
+set(provided_by_the_system KERNEL32.dll msvcrt.dll "${HIP_DLL}")
 file(GLOB images "${prefix}/bin/*.exe" "${prefix}/bin/*.dll")
 foreach(image IN LISTS images)
-  execute_process(COMMAND "${OBJDUMP}" -p "${image}" OUTPUT_VARIABLE text
-                  COMMAND_ERROR_IS_FATAL ANY)
-  string(REGEX MATCHALL "DLL Name: [^\n]+" imports "${text}")
+  run("${OBJDUMP}" -p "${image}")
+  string(REGEX MATCHALL "DLL Name: [^\n]+" imports "${output}")
   list(TRANSFORM imports REPLACE "^DLL Name: " "")
   if(NOT imports)
-    message(FATAL_ERROR "${image} imports nothing")
+    message(FATAL_ERROR "${image} has no imports")
   endif()
-  list(REMOVE_ITEM imports ${installed} ${from_elsewhere})
+  list(REMOVE_ITEM imports ${installed} ${provided_by_the_system})
   if(imports)
     message(FATAL_ERROR "${image} needs ${imports}")
   endif()
 endforeach()
 
-function(run_harness)
-  execute_process(COMMAND ${EMULATOR} "${prefix}/bin/kestrel-harness.exe" --hardware-test -s 0
-                  OUTPUT_VARIABLE output RESULT_VARIABLE status)
-  set(output "${output}" PARENT_SCOPE)
-  set(status "${status}" PARENT_SCOPE)
-endfunction()
+set(harness ${EMULATOR} "${prefix}/bin/kestrel-harness.exe" --hardware-test -s 0)
 
-# The loader ends the program with STATUS_DLL_NOT_FOUND, 0xC0000135; Wine hands on the last byte, 53.
-run_harness()
-if(NOT status EQUAL 53 OR NOT output STREQUAL "")
-  message(FATAL_ERROR "Without the HIP runtime: exit status ${status}\n${output}")
-endif()
+# Without the HIP runtime the loader ends the program with STATUS_DLL_NOT_FOUND, 0xC0000135; Wine
+# returns the last byte, 53.
+run_expecting(53 ${harness})
 file(COPY_FILE "${SIMULATOR}" "${prefix}/bin/${HIP_DLL}")
-run_harness()
-if(NOT status EQUAL 0 OR NOT output MATCHES "CPU Architecture: x86_64")
-  message(FATAL_ERROR "With a HIP runtime: exit status ${status}\n${output}")
+run(${harness})
+if(NOT output MATCHES "CPU Architecture: x86_64")
+  message(FATAL_ERROR "With a simulated HIP runtime the harness printed:\n${output}")
 endif()
