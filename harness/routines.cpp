@@ -20,7 +20,7 @@ using kestrel_utils::MemoryObserver;
 constexpr const char* kHeadingLine = "========================";
 constexpr const char* kBlockEndLine = "------------------------";
 
-// The library's error values are negative; they are shown as the huge amount that they then are.
+// The library's error value -1 prints as 2^64 - 1 bytes, by design.
 std::string AmountOf(long long bytes, bool decimalUnits) {
   return BytesToStr(static_cast<std::uint64_t>(bytes), decimalUnits);
 }
@@ -91,22 +91,23 @@ void PrintCpuUsage(int pid, int split_ms) {
   std::cout << "CPU Usage (PID '" << pid << "') ....... " << usage << "%" << std::endl;
 }
 
-// The percent sign and the powers of 1000 belong to the format of this report, on purpose.
+// The percent sign after an amount and the powers of 1000 are part of this report's format. The
+// label is flushed first, as below.
 void PrintProcessMemory(int pid) {
-  std::cout << "Mem Usage (PID '" << pid << "') ....... ";
+  std::cout << "Mem Usage (PID '" << pid << "') ....... " << std::flush;
   std::cout << AmountOf(MemoryObserver::getProcessUsedRAM(pid), true) << "%" << std::endl;
 }
 
-// Each meter is called after its label was written, so that a message of its own stands beside it.
+// Each label is flushed before its meter is called, so that a message of the meter comes after it.
 void PrintMachineMemory() {
   const MemoryObserver observer;
-  std::cout << "Machine physical RAM ........ ";
+  std::cout << "Machine physical RAM ........ " << std::flush;
   std::cout << AmountOf(MemoryObserver::getMachinePhysicalRAM(), false) << std::endl;
-  std::cout << "Free RAM .................... ";
+  std::cout << "Free RAM .................... " << std::flush;
   std::cout << AmountOf(observer.getAvailableRAM(), false) << std::endl;
-  std::cout << "Machine physical VRAM ....... ";
+  std::cout << "Machine physical VRAM ....... " << std::flush;
   std::cout << AmountOf(MemoryObserver::getMachinePhysicalVRAM(), false) << std::endl;
-  std::cout << "Free VRAM ................... ";
+  std::cout << "Free VRAM ................... " << std::flush;
   std::cout << AmountOf(observer.getAvailableVRAM(), false) << std::endl;
   std::cout << "------------------------------------\n" << std::endl;
 }

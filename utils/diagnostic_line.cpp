@@ -4,15 +4,26 @@
 #include <charconv>
 #include <iostream>
 #include <limits>
+#include <streambuf>
 
 namespace kestrel_utils {
 
 namespace {
 
-template <typename Action>
-void IgnoringExceptions(Action action) noexcept {
+// Writes to the buffer of std::cerr, not through the stream: its output functions would flush the
+// host's std::cout, which is tied to it, from this thread, set error bits that silence the host's
+// own messages, and throw if the host asked for that. A host that gave std::cerr another buffer
+// gets the text there.
+void WriteToStandardError(std::string_view text, bool flush) noexcept {
   try {
-    action();
+    std::streambuf* const buffer = std::cerr.rdbuf();
+    if (buffer == nullptr) {
+      return;
+    }
+    buffer->sputn(text.data(), static_cast<std::streamsize>(text.size()));
+    if (flush || (std::cerr.flags() & std::ios::unitbuf) != 0) {
+      buffer->pubsync();
+    }
   } catch (...) {  // NOLINT(bugprone-empty-catch): a lost diagnostic must not become a crash.
   }
 }
@@ -22,7 +33,7 @@ void IgnoringExceptions(Action action) noexcept {
 DiagnosticLine& DiagnosticLine::operator<<(std::string_view text) noexcept {
   while (!text.empty()) {
     if (size_ == buffer_.size()) {
-      Write();
+      Send(/*flush=*/false);
     }
     const std::size_t count = std::min(text.size(), buffer_.size() - size_);
     std::copy_n(text.data(), count, buffer_.data() + size_);
@@ -40,15 +51,13 @@ DiagnosticLine& DiagnosticLine::operator<<(int number) noexcept {
 
 void DiagnosticLine::EndLine() noexcept {
   *this << "\n";
-  Write();
-  IgnoringExceptions([] { std::cerr.flush(); });
+  Send(/*flush=*/true);
 }
 
-// std::cerr and not stderr: it is tied to std::cout, so what the host has printed before the call
-// also stands before the diagnostic, and a host may redirect it.
-void DiagnosticLine::Write() noexcept {
-  IgnoringExceptions(
-      [this] { std::cerr.write(buffer_.data(), static_cast<std::streamsize>(size_)); });
+void DiagnosticLine::Write() noexcept { Send(/*flush=*/false); }
+
+void DiagnosticLine::Send(bool flush) noexcept {
+  WriteToStandardError({buffer_.data(), size_}, flush);
   size_ = 0;
 }
 

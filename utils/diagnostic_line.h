@@ -6,23 +6,25 @@
 
 namespace kestrel_utils {
 
-// One line for standard error. It is gathered in place and goes out in one write, so that lines of
-// several threads interleave whole, up to the size of the buffer, and no memory is allocated. It
-// ignores the format flags and the locale that the host may have set on std::cerr, and never
-// throws, even where the host has made std::cerr throw. A line longer than the buffer goes out in
-// several writes.
+// One line for standard error. It is assembled in place, without heap memory, and written in one
+// call, so that lines of several threads do not mix; a line longer than the buffer takes several.
+// It ignores the format flags, the locale and the exception mask of std::cerr, changes nothing of
+// its state, and never throws.
 class DiagnosticLine {
  public:
   DiagnosticLine& operator<<(std::string_view text) noexcept;
   DiagnosticLine& operator<<(int number) noexcept;
 
-  // Ends the line, writes it and flushes the stream.
+  // Appends a newline, writes the line and flushes.
   void EndLine() noexcept;
 
-  // Writes what was gathered as it stands: no line end, no flush beyond the stream's own.
+  // Writes the text as it is. Flushes only if the host has set std::ios::unitbuf, as it is by
+  // default.
   void Write() noexcept;
 
  private:
+  void Send(bool flush) noexcept;
+
   std::array<char, 512> buffer_;
   std::size_t size_ = 0;
 };

@@ -2,14 +2,15 @@
 
 #include <ios>
 #include <iostream>
+#include <stdexcept>
 #include <streambuf>
 #include <string>
 #include <vector>
 
 namespace kestrel::tests {
 
-// Stands in for std::cerr's buffer while it lives: keeps each write and counts the flushes that
-// were asked for (the stream's own flush after every write is turned off).
+// Replaces std::cerr's buffer while it lives. Records each write, and counts the flushes that were
+// asked for; std::ios::unitbuf, which asks for one after every write, is off.
 class CerrRecorder : private std::streambuf {
  public:
   CerrRecorder()
@@ -27,11 +28,11 @@ class CerrRecorder : private std::streambuf {
     std::cerr.exceptions(exceptions_);
   }
 
-  // From now on every write and flush fails, and std::cerr throws of it.
-  void Throw() {
-    failing_ = true;
-    std::cerr.exceptions(std::ios::badbit | std::ios::failbit);
-  }
+  // From now on every write is refused, as by a full pipe that does not block.
+  void Refuse() { failure_ = Failure::kRefuse; }
+
+  // From now on every write throws.
+  void Throw() { failure_ = Failure::kThrow; }
 
   [[nodiscard]] std::string text() const {
     std::string all;
@@ -42,16 +43,21 @@ class CerrRecorder : private std::streambuf {
   }
   [[nodiscard]] const std::vector<std::string>& writes() const { return writes_; }
   [[nodiscard]] int flushes() const { return flushes_; }
-  [[nodiscard]] int refused() const { return refused_; }
+  [[nodiscard]] int failed_writes() const { return failed_writes_; }
 
  private:
+  enum class Failure { kNone, kRefuse, kThrow };
+
   std::streamsize xsputn(const char* text, std::streamsize size) override {
-    if (failing_) {
-      ++refused_;
-      return 0;
+    if (failure_ == Failure::kNone) {
+      writes_.emplace_back(text, static_cast<std::size_t>(size));
+      return size;
     }
-    writes_.emplace_back(text, static_cast<std::size_t>(size));
-    return size;
+    ++failed_writes_;
+    if (failure_ == Failure::kThrow) {
+      throw std::runtime_error("write");
+    }
+    return 0;
   }
   int_type overflow(int_type character) override {
     const char text = traits_type::to_char_type(character);
@@ -59,7 +65,7 @@ class CerrRecorder : private std::streambuf {
   }
   int sync() override {
     ++flushes_;
-    return failing_ ? -1 : 0;
+    return failure_ == Failure::kNone ? 0 : -1;
   }
 
   std::streambuf* buffer_;
@@ -67,8 +73,8 @@ class CerrRecorder : private std::streambuf {
   std::ios::iostate exceptions_;
   std::vector<std::string> writes_;
   int flushes_ = 0;
-  int refused_ = 0;
-  bool failing_ = false;
+  int failed_writes_ = 0;
+  Failure failure_ = Failure::kNone;
 };
 
 }  // namespace kestrel::tests

@@ -149,7 +149,7 @@ TEST_F(RoutinesTest, MachineMemoryPrintsTheMetersMessageBesideItsLabel) {
             "\n");
 }
 
-// Whoever watches a slow survey sees every line as it is made.
+// A reader who watches a slow survey sees every line when it is written.
 TEST_F(RoutinesTest, EveryLineIsFlushed) {
   Machine machine;
   machine.devices.resize(2);
@@ -157,11 +157,20 @@ TEST_F(RoutinesTest, EveryLineIsFlushed) {
   const OutputRecorder output;
   PrintHardwareSurvey();
   PrintCpuUsage(1234, 500);
-  PrintProcessMemory(77);
   const std::string text = output.text();
   EXPECT_EQ(output.flushes(), std::count(text.begin(), text.end(), '\n'));
+}
+
+// So that a message of the meter comes after its label: the meters do not flush std::cout.
+TEST_F(RoutinesTest, EveryLabelIsFlushedBeforeItsMeterRuns) {
+  Machine machine;
+  machine.devices.resize(1);
+  Install(machine);
+  const OutputRecorder output;
+  PrintProcessMemory(77);
+  EXPECT_EQ(output.flushes(), 2);
   PrintMachineMemory();
-  EXPECT_EQ(output.flushes(), std::count(text.begin(), text.end(), '\n') + 5);
+  EXPECT_EQ(output.flushes(), 2 + 2 * 4 + 1);
 }
 
 }  // namespace

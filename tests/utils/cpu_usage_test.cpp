@@ -182,11 +182,11 @@ TEST_F(CpuUsageTest, AClockThatWentBackIsReported) {
                 "Total time elapsed while trying to calculation process '4711's CPU usage is 0! ");
 }
 
-TEST_F(CpuUsageTest, DoesNotThrowWhereTheHostsStreamDoes) {
+TEST_F(CpuUsageTest, ThrowingStreamOfTheHostIsContained) {
   static_assert(noexcept(GetCpuUsage(1, 1)));
   cerr_.Throw();
   EXPECT_EQ(GetCpuUsage(0, 0), -1.0F);
-  EXPECT_EQ(cerr_.refused(), 1);
+  EXPECT_EQ(cerr_.failed_writes(), 1);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <limits>
 #include <locale>
+#include <sstream>
 #include <string>
 
 #include "tests/fakes/cerr_recorder.h"
@@ -13,7 +14,7 @@ namespace {
 
 using kestrel_utils::DiagnosticLine;
 
-TEST(DiagnosticLineTest, GoesOutWholeInOneWriteWithOneFlush) {
+TEST(DiagnosticLineTest, EndedLineIsWrittenOnceAndFlushedOnce) {
   const CerrRecorder cerr;
   (DiagnosticLine{} << "pid " << 12 << " is gone").EndLine();
   EXPECT_EQ(cerr.writes(), std::vector<std::string>{"pid 12 is gone\n"});
@@ -22,12 +23,12 @@ TEST(DiagnosticLineTest, GoesOutWholeInOneWriteWithOneFlush) {
 
 TEST(DiagnosticLineTest, WriteNeitherEndsTheLineNorFlushes) {
   const CerrRecorder cerr;
-  (DiagnosticLine{} << "as it stands").Write();
-  EXPECT_EQ(cerr.writes(), std::vector<std::string>{"as it stands"});
+  (DiagnosticLine{} << "as it is").Write();
+  EXPECT_EQ(cerr.writes(), std::vector<std::string>{"as it is"});
   EXPECT_EQ(cerr.flushes(), 0);
 }
 
-TEST(DiagnosticLineTest, WritesEveryInt) {
+TEST(DiagnosticLineTest, SmallestAndLargestIntAreWrittenWhole) {
   const CerrRecorder cerr;
   (DiagnosticLine{} << std::numeric_limits<int>::min() << " " << std::numeric_limits<int>::max()
                     << " " << 0)
@@ -35,7 +36,7 @@ TEST(DiagnosticLineTest, WritesEveryInt) {
   EXPECT_EQ(cerr.text(), "-2147483648 2147483647 0\n");
 }
 
-TEST(DiagnosticLineTest, IgnoresTheFormatOfTheHostsStream) {
+TEST(DiagnosticLineTest, FormatOfTheHostsStreamIsIgnored) {
   struct Grouping : std::numpunct<char> {
     char do_thousands_sep() const override { return '.'; }
     std::string do_grouping() const override { return "\3"; }
@@ -50,14 +51,14 @@ TEST(DiagnosticLineTest, IgnoresTheFormatOfTheHostsStream) {
   EXPECT_EQ(cerr.text(), "1234567\n");
 }
 
-TEST(DiagnosticLineTest, ALongLineLosesNothing) {
+TEST(DiagnosticLineTest, LineLongerThanTheBufferIsWrittenWhole) {
   const CerrRecorder cerr;
   const std::string text(2000, 'x');
   (DiagnosticLine{} << "begin " << text << 42).EndLine();
   EXPECT_EQ(cerr.text(), "begin " + text + "42\n");
 }
 
-TEST(DiagnosticLineTest, ALineOfTheBuffersOwnSizeLosesNothing) {
+TEST(DiagnosticLineTest, LineAsLongAsTheBufferIsWrittenWhole) {
   for (std::size_t size = 510; size <= 514; ++size) {
     const CerrRecorder cerr;
     (DiagnosticLine{} << std::string(size, 'x')).EndLine();
@@ -65,15 +66,59 @@ TEST(DiagnosticLineTest, ALineOfTheBuffersOwnSizeLosesNothing) {
   }
 }
 
-TEST(DiagnosticLineTest, DoesNotThrowWhereTheHostsStreamDoes) {
-  CerrRecorder cerr;
-  cerr.Throw();
-  EXPECT_NO_THROW((DiagnosticLine{} << "lost").EndLine());
-  EXPECT_EQ(cerr.refused(), 1);
-  EXPECT_EQ(cerr.text(), "");
+TEST(DiagnosticLineTest, UnitBufferedStreamIsFlushedAfterEveryWrite) {
+  const CerrRecorder cerr;
+  std::cerr.setf(std::ios::unitbuf);
+  (DiagnosticLine{} << "as it is").Write();
+  EXPECT_EQ(cerr.flushes(), 1);
 }
 
-TEST(DiagnosticLineTest, DoesNotThrowWhereTheHostsStreamHasNoBuffer) {
+// std::cerr is tied to std::cout, so that output through the stream would flush the latter.
+TEST(DiagnosticLineTest, TiedStreamIsNotFlushed) {
+  struct FlushCounter : std::stringbuf {
+    int sync() override {
+      ++flushes;
+      return 0;
+    }
+    int flushes = 0;
+  };
+  const CerrRecorder cerr;
+  FlushCounter host;
+  std::streambuf* const before = std::cout.rdbuf(&host);
+  (DiagnosticLine{} << "pid " << 12).EndLine();
+  (DiagnosticLine{} << "as it is").Write();
+  std::cout.rdbuf(before);
+  EXPECT_EQ(std::cerr.tie(), &std::cout);
+  EXPECT_EQ(host.flushes, 0);
+}
+
+TEST(DiagnosticLineTest, RefusedWriteLeavesTheStreamGood) {
+  CerrRecorder cerr;
+  cerr.Refuse();
+  (DiagnosticLine{} << "lost").EndLine();
+  EXPECT_EQ(cerr.failed_writes(), 1);
+  EXPECT_TRUE(std::cerr.good());
+}
+
+// An earlier output error of the host does not silence the meters.
+TEST(DiagnosticLineTest, StreamInErrorStateGetsTheLineAndKeepsItsState) {
+  const CerrRecorder cerr;
+  std::cerr.setstate(std::ios::failbit);
+  (DiagnosticLine{} << "written").EndLine();
+  EXPECT_EQ(cerr.text(), "written\n");
+  EXPECT_EQ(std::cerr.rdstate(), std::ios::failbit);
+}
+
+TEST(DiagnosticLineTest, ThrowingBufferLosesTheLineOnly) {
+  CerrRecorder cerr;
+  std::cerr.exceptions(std::ios::badbit | std::ios::failbit);
+  cerr.Throw();
+  EXPECT_NO_THROW((DiagnosticLine{} << "lost").EndLine());
+  EXPECT_EQ(cerr.failed_writes(), 1);
+  EXPECT_TRUE(std::cerr.good());
+}
+
+TEST(DiagnosticLineTest, StreamWithoutBufferLosesTheLineOnly) {
   std::streambuf* const before = std::cerr.rdbuf(nullptr);
   EXPECT_NO_THROW((DiagnosticLine{} << "lost").EndLine());
   std::cerr.rdbuf(before);
