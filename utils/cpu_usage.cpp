@@ -6,6 +6,7 @@
 
 #include "platform/platform.h"
 #include "utils/diagnostic_line.h"
+#include "utils/measure_cpu_usage.h"
 
 namespace kestrel_utils {
 
@@ -57,26 +58,27 @@ float PercentOfMachine(const Interval& interval) noexcept {
   return static_cast<float>(ConsumedSeconds(interval) / capacity * kPercent);
 }
 
-// Reports on standard error and returns nothing when a sample fails or no time elapsed.
-std::optional<Interval> Measure(const platform::Process& process, int pid, int split_ms) noexcept {
+// Reports and returns `nullopt` if a sample fails or no time elapsed.
+std::optional<Interval> Measure(const platform::Process& process, int pid, int split_ms,
+                                DiagnosticSink sink) noexcept {
   const auto first = process.Times();
   if (!first) {
-    (DiagnosticLine{} << "Failed to get process times for PID " << pid).EndLine();
+    (DiagnosticLine(sink) << "Failed to get process times for PID " << pid).EndLine();
     return std::nullopt;
   }
   const std::int64_t start = platform::SteadyClockNanoseconds();
   SleepMilliseconds(split_ms);
   const auto second = process.Times();
   if (!second) {
-    (DiagnosticLine{} << "Failed to get new process times for PID " << pid).EndLine();
+    (DiagnosticLine(sink) << "Failed to get new process times for PID " << pid).EndLine();
     return std::nullopt;
   }
   const std::int64_t end = platform::SteadyClockNanoseconds();
   const std::uint32_t processor_count = platform::LogicalProcessorCount();
   const double elapsed = static_cast<double>(end - start) / kNanosecondsPerSecond;
   if (!(elapsed > 0.0)) {
-    (DiagnosticLine{} << "Total time elapsed while trying to calculation process '" << pid
-                      << "'s CPU usage is 0! ")
+    (DiagnosticLine(sink) << "Total time elapsed while trying to calculation process '" << pid
+                          << "'s CPU usage is 0! ")
         .EndLine();
     return std::nullopt;
   }
@@ -85,20 +87,24 @@ std::optional<Interval> Measure(const platform::Process& process, int pid, int s
 
 }  // namespace
 
-float GetCpuUsage(int pid, int split_ms) noexcept {
+float MeasureCpuUsage(int pid, int split_ms, DiagnosticSink sink) noexcept {
   if (pid < 1) {
-    (DiagnosticLine{} << "Failed to get CPU usage for PID '" << pid
-                      << "' since PID must be positive!")
+    (DiagnosticLine(sink) << "Failed to get CPU usage for PID '" << pid
+                          << "' since PID must be positive!")
         .EndLine();
     return kCpuUsageError;
   }
   const auto process = platform::Process::Open(pid, platform::ProcessRights::kTimes);
   if (!process) {
-    (DiagnosticLine{} << "Failed to open process with PID " << pid).EndLine();
+    (DiagnosticLine(sink) << "Failed to open process with PID " << pid).EndLine();
     return kCpuUsageError;
   }
-  const auto interval = Measure(*process, pid, split_ms);
+  const auto interval = Measure(*process, pid, split_ms, sink);
   return interval ? PercentOfMachine(*interval) : kCpuUsageError;
+}
+
+float GetCpuUsage(int pid, int split_ms) noexcept {
+  return MeasureCpuUsage(pid, split_ms, kStandardError);
 }
 
 }  // namespace kestrel_utils

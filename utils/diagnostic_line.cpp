@@ -8,13 +8,7 @@
 
 namespace kestrel_utils {
 
-namespace {
-
-// Writes to the buffer of std::cerr, not through the stream: its output functions would flush the
-// host's std::cout, which is tied to it, from this thread, set error bits that silence the host's
-// own messages, and throw if the host asked for that. A host that gave std::cerr another buffer
-// gets the text there.
-void WriteToStandardError(std::string_view text, bool flush) noexcept {
+void WriteToStandardError(void* /*context*/, std::string_view text, bool flush) noexcept {
   try {
     std::streambuf* const buffer = std::cerr.rdbuf();
     if (buffer == nullptr) {
@@ -27,8 +21,6 @@ void WriteToStandardError(std::string_view text, bool flush) noexcept {
   } catch (...) {  // NOLINT(bugprone-empty-catch): a lost diagnostic must not become a crash.
   }
 }
-
-}  // namespace
 
 DiagnosticLine& DiagnosticLine::operator<<(std::string_view text) noexcept {
   while (!text.empty()) {
@@ -57,7 +49,7 @@ void DiagnosticLine::EndLine() noexcept {
 void DiagnosticLine::Write() noexcept { Send(/*flush=*/false); }
 
 void DiagnosticLine::Send(bool flush) noexcept {
-  WriteToStandardError({buffer_.data(), size_}, flush);
+  sink_.write(sink_.context, {buffer_.data(), size_}, flush);
   size_ = 0;
 }
 

@@ -4,11 +4,39 @@
 
 #include "platform/platform.h"
 #include "utils/diagnostic_line.h"
+#include "utils/measure_memory.h"
 #include "utils/vram_rocm.h"
 
 namespace kestrel_utils {
 
 namespace platform = kestrel::platform;
+
+long long MeasureProcessUsedRam(int pid, DiagnosticSink sink) noexcept {
+  if (pid < 1) {
+    (DiagnosticLine(sink) << "Failed to get used RAM for PID '" << pid
+                          << "' since PID must be positive!")
+        .EndLine();
+    return MemoryObserver::kRamMeterErrorCode;
+  }
+  const auto process = platform::Process::Open(pid, platform::ProcessRights::kMemory);
+  if (!process) {
+    (DiagnosticLine(sink) << "Failed to open process with PID " << pid).EndLine();
+    return MemoryObserver::kRamMeterErrorCode;
+  }
+  const auto resident = process->ResidentBytes();
+  return resident ? static_cast<long long>(*resident) : MemoryObserver::kRamMeterErrorCode;
+}
+
+bool PredictAllocationFailure(long long bytes, DiagnosticSink sink) noexcept {
+  const auto status = platform::QueryMemoryStatus();
+  if (!status) {
+    (DiagnosticLine(sink) << "Failed to get global memory status.").EndLine();
+    return false;
+  }
+  const auto wanted = static_cast<std::uint64_t>(bytes);
+  return wanted > status->available_physical &&
+         wanted - status->available_physical > status->committable;
+}
 
 const int MemoryObserver::kRamMeterErrorCode = -1;
 
@@ -34,23 +62,11 @@ long long MemoryObserver::getUsedRAM() const noexcept {
 }
 
 long long MemoryObserver::getProcessUsedRAM(int pid) noexcept {
-  if (pid < 1) {
-    (DiagnosticLine{} << "Failed to get used RAM for PID '" << pid
-                      << "' since PID must be positive!")
-        .EndLine();
-    return kRamMeterErrorCode;
-  }
-  const auto process = platform::Process::Open(pid, platform::ProcessRights::kMemory);
-  if (!process) {
-    (DiagnosticLine{} << "Failed to open process with PID " << pid).EndLine();
-    return kRamMeterErrorCode;
-  }
-  const auto resident = process->ResidentBytes();
-  return resident ? static_cast<long long>(*resident) : kRamMeterErrorCode;
+  return MeasureProcessUsedRam(pid, kStandardError);
 }
 
 long long MemoryObserver::getMachinePhysicalVRAM() noexcept {
-  return getMachinePhysicalVRAM_ROCm(/*allDevices=*/true);
+  return getMachinePhysicalVRAM_ROCm(/*allDevices=*/true, kStandardError);
 }
 
 long long MemoryObserver::getAvailableVRAM() const noexcept {
@@ -58,14 +74,7 @@ long long MemoryObserver::getAvailableVRAM() const noexcept {
 }
 
 bool MemoryObserver::willFailToAllocate(long long bytes) const noexcept {
-  const auto status = platform::QueryMemoryStatus();
-  if (!status) {
-    (DiagnosticLine{} << "Failed to get global memory status.").EndLine();
-    return false;
-  }
-  const auto wanted = static_cast<std::uint64_t>(bytes);
-  return wanted > status->available_physical &&
-         wanted - status->available_physical > status->committable;
+  return PredictAllocationFailure(bytes, kStandardError);
 }
 
 // NOLINTEND(readability-convert-member-functions-to-static)

@@ -18,12 +18,12 @@ const char* ErrorText(hipError_t status) noexcept {
   return text != nullptr ? text : "";
 }
 
-std::optional<std::uint64_t> TotalMemoryOf(int device) noexcept {
+std::optional<std::uint64_t> TotalMemoryOf(int device, DiagnosticSink sink) noexcept {
   hipDeviceProp_t properties{};
   const hipError_t status = hipGetDeviceProperties(&properties, device);
   if (status != hipSuccess) {
-    (DiagnosticLine{} << "hipGetDeviceProperties failed for device " << device << ": "
-                      << ErrorText(status))
+    (DiagnosticLine(sink) << "hipGetDeviceProperties failed for device " << device << ": "
+                          << ErrorText(status))
         .EndLine();
     return std::nullopt;
   }
@@ -43,20 +43,20 @@ std::uint64_t FreeMemoryOf(int device) noexcept {
 
 // Sums are unsigned, so that a runtime's nonsense figures wrap rather than overflow.
 
-long long getMachinePhysicalVRAM_ROCm(bool allDevices) noexcept {
+long long getMachinePhysicalVRAM_ROCm(bool allDevices, DiagnosticSink sink) noexcept {
   int count = 0;
   const hipError_t status = hipGetDeviceCount(&count);
   if (status != hipSuccess) {
-    (DiagnosticLine{} << "hipGetDeviceCount failed: " << ErrorText(status)).EndLine();
+    (DiagnosticLine(sink) << "hipGetDeviceCount failed: " << ErrorText(status)).EndLine();
     return 0;
   }
   if (count == 0) {
-    (DiagnosticLine{} << "getMachinePhysicalVRAM_ROCm no HIP devices found\n").Write();
+    (DiagnosticLine(sink) << "getMachinePhysicalVRAM_ROCm no HIP devices found\n").Write();
     return 0;
   }
   std::uint64_t sum = 0;
   for (int device = 0; device < count; ++device) {
-    const auto total = TotalMemoryOf(device);
+    const auto total = TotalMemoryOf(device, sink);
     sum += total.value_or(0);
     if (total && !allDevices) {
       break;

@@ -7,11 +7,14 @@
 
 #include "tests/fakes/cerr_recorder.h"
 #include "tests/fakes/platform_fake.h"
+#include "tests/fakes/sink_recorder.h"
+#include "utils/measure_cpu_usage.h"
 
 namespace kestrel::tests {
 namespace {
 
 using kestrel_utils::GetCpuUsage;
+using kestrel_utils::MeasureCpuUsage;
 using platform::ProcessTimes;
 
 constexpr std::uint64_t kSecond = 10'000'000;  // of process time, in units of 100 ns
@@ -180,6 +183,24 @@ TEST_F(CpuUsageTest, AClockThatWentBackIsReported) {
   Platform().clock_step = -1;
   ExpectFailure(4711, 0,
                 "Total time elapsed while trying to calculation process '4711's CPU usage is 0! ");
+}
+
+TEST_F(CpuUsageTest, CallerSinkGetsEveryMessageInsteadOfStandardError) {
+  SinkRecorder recorder;
+  EXPECT_EQ(MeasureCpuUsage(0, 0, recorder.sink()), -1.0F);
+  EXPECT_EQ(MeasureCpuUsage(4711, 0, recorder.sink()), -1.0F);
+  Platform().Fail("Process::Times", 4);
+  EXPECT_EQ(MeasureCpuUsage(4711, 0, recorder.sink()), -1.0F);
+  EXPECT_EQ(MeasureCpuUsage(4711, 0, recorder.sink()), -1.0F);
+  Platform().Fail("Process::Open");
+  EXPECT_EQ(MeasureCpuUsage(4711, 0, recorder.sink()), -1.0F);
+  EXPECT_EQ(recorder.text(),
+            "Failed to get CPU usage for PID '0' since PID must be positive!\n|"
+            "Total time elapsed while trying to calculation process '4711's CPU usage is 0! \n|"
+            "Failed to get new process times for PID 4711\n|"
+            "Failed to get process times for PID 4711\n|"
+            "Failed to open process with PID 4711\n|");
+  EXPECT_EQ(cerr_.text(), "");
 }
 
 TEST_F(CpuUsageTest, ThrowingStreamOfTheHostIsContained) {

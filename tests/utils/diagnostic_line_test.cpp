@@ -8,30 +8,32 @@
 #include <string>
 
 #include "tests/fakes/cerr_recorder.h"
+#include "tests/fakes/sink_recorder.h"
 
 namespace kestrel::tests {
 namespace {
 
 using kestrel_utils::DiagnosticLine;
+using kestrel_utils::kStandardError;
 
 TEST(DiagnosticLineTest, EndedLineIsWrittenOnceAndFlushedOnce) {
   const CerrRecorder cerr;
-  (DiagnosticLine{} << "pid " << 12 << " is gone").EndLine();
+  (DiagnosticLine(kStandardError) << "pid " << 12 << " is gone").EndLine();
   EXPECT_EQ(cerr.writes(), std::vector<std::string>{"pid 12 is gone\n"});
   EXPECT_EQ(cerr.flushes(), 1);
 }
 
 TEST(DiagnosticLineTest, WriteNeitherEndsTheLineNorFlushes) {
   const CerrRecorder cerr;
-  (DiagnosticLine{} << "as it is").Write();
+  (DiagnosticLine(kStandardError) << "as it is").Write();
   EXPECT_EQ(cerr.writes(), std::vector<std::string>{"as it is"});
   EXPECT_EQ(cerr.flushes(), 0);
 }
 
 TEST(DiagnosticLineTest, SmallestAndLargestIntAreWrittenWhole) {
   const CerrRecorder cerr;
-  (DiagnosticLine{} << std::numeric_limits<int>::min() << " " << std::numeric_limits<int>::max()
-                    << " " << 0)
+  (DiagnosticLine(kStandardError) << std::numeric_limits<int>::min() << " "
+                                  << std::numeric_limits<int>::max() << " " << 0)
       .EndLine();
   EXPECT_EQ(cerr.text(), "-2147483648 2147483647 0\n");
 }
@@ -45,7 +47,7 @@ TEST(DiagnosticLineTest, FormatOfTheHostsStreamIsIgnored) {
   const CerrRecorder cerr;
   std::cerr << std::hex << std::showpos;
   std::cerr.width(40);
-  (DiagnosticLine{} << 1234567).EndLine();
+  (DiagnosticLine(kStandardError) << 1234567).EndLine();
   std::cerr.width(0);
   std::cerr.imbue(before);
   EXPECT_EQ(cerr.text(), "1234567\n");
@@ -54,22 +56,31 @@ TEST(DiagnosticLineTest, FormatOfTheHostsStreamIsIgnored) {
 TEST(DiagnosticLineTest, LineLongerThanTheBufferIsWrittenWhole) {
   const CerrRecorder cerr;
   const std::string text(2000, 'x');
-  (DiagnosticLine{} << "begin " << text << 42).EndLine();
+  (DiagnosticLine(kStandardError) << "begin " << text << 42).EndLine();
   EXPECT_EQ(cerr.text(), "begin " + text + "42\n");
 }
 
 TEST(DiagnosticLineTest, LineAsLongAsTheBufferIsWrittenWhole) {
   for (std::size_t size = 510; size <= 514; ++size) {
     const CerrRecorder cerr;
-    (DiagnosticLine{} << std::string(size, 'x')).EndLine();
+    (DiagnosticLine(kStandardError) << std::string(size, 'x')).EndLine();
     EXPECT_EQ(cerr.text(), std::string(size, 'x') + "\n");
   }
+}
+
+TEST(DiagnosticLineTest, AnotherSinkGetsTheLineInsteadOfStandardError) {
+  const CerrRecorder cerr;
+  SinkRecorder recorder;
+  (DiagnosticLine(recorder.sink()) << "pid " << 12).EndLine();
+  (DiagnosticLine(recorder.sink()) << "as it is").Write();
+  EXPECT_EQ(recorder.text(), "pid 12\n|as it is");
+  EXPECT_EQ(cerr.text(), "");
 }
 
 TEST(DiagnosticLineTest, UnitBufferedStreamIsFlushedAfterEveryWrite) {
   const CerrRecorder cerr;
   std::cerr.setf(std::ios::unitbuf);
-  (DiagnosticLine{} << "as it is").Write();
+  (DiagnosticLine(kStandardError) << "as it is").Write();
   EXPECT_EQ(cerr.flushes(), 1);
 }
 
@@ -85,8 +96,8 @@ TEST(DiagnosticLineTest, TiedStreamIsNotFlushed) {
   const CerrRecorder cerr;
   FlushCounter host;
   std::streambuf* const before = std::cout.rdbuf(&host);
-  (DiagnosticLine{} << "pid " << 12).EndLine();
-  (DiagnosticLine{} << "as it is").Write();
+  (DiagnosticLine(kStandardError) << "pid " << 12).EndLine();
+  (DiagnosticLine(kStandardError) << "as it is").Write();
   std::cout.rdbuf(before);
   EXPECT_EQ(std::cerr.tie(), &std::cout);
   EXPECT_EQ(host.flushes, 0);
@@ -95,7 +106,7 @@ TEST(DiagnosticLineTest, TiedStreamIsNotFlushed) {
 TEST(DiagnosticLineTest, RefusedWriteLeavesTheStreamGood) {
   CerrRecorder cerr;
   cerr.Refuse();
-  (DiagnosticLine{} << "lost").EndLine();
+  (DiagnosticLine(kStandardError) << "lost").EndLine();
   EXPECT_EQ(cerr.failed_writes(), 1);
   EXPECT_TRUE(std::cerr.good());
 }
@@ -104,7 +115,7 @@ TEST(DiagnosticLineTest, RefusedWriteLeavesTheStreamGood) {
 TEST(DiagnosticLineTest, StreamInErrorStateGetsTheLineAndKeepsItsState) {
   const CerrRecorder cerr;
   std::cerr.setstate(std::ios::failbit);
-  (DiagnosticLine{} << "written").EndLine();
+  (DiagnosticLine(kStandardError) << "written").EndLine();
   EXPECT_EQ(cerr.text(), "written\n");
   EXPECT_EQ(std::cerr.rdstate(), std::ios::failbit);
 }
@@ -113,14 +124,14 @@ TEST(DiagnosticLineTest, ThrowingBufferLosesTheLineOnly) {
   CerrRecorder cerr;
   std::cerr.exceptions(std::ios::badbit | std::ios::failbit);
   cerr.Throw();
-  EXPECT_NO_THROW((DiagnosticLine{} << "lost").EndLine());
+  EXPECT_NO_THROW((DiagnosticLine(kStandardError) << "lost").EndLine());
   EXPECT_EQ(cerr.failed_writes(), 1);
   EXPECT_TRUE(std::cerr.good());
 }
 
 TEST(DiagnosticLineTest, StreamWithoutBufferLosesTheLineOnly) {
   std::streambuf* const before = std::cerr.rdbuf(nullptr);
-  EXPECT_NO_THROW((DiagnosticLine{} << "lost").EndLine());
+  EXPECT_NO_THROW((DiagnosticLine(kStandardError) << "lost").EndLine());
   std::cerr.rdbuf(before);
 }
 

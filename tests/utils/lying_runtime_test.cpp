@@ -34,6 +34,7 @@ namespace {
 
 using kestrel_utils::getAvailableVRAM_ROCm;
 using kestrel_utils::getMachinePhysicalVRAM_ROCm;
+using kestrel_utils::kStandardError;
 
 TEST(LyingRuntimeTest, FreeMemoryIsTakenFromTheFiguresAlone) {
   EXPECT_EQ(getAvailableVRAM_ROCm(false), 30);
@@ -43,7 +44,7 @@ TEST(LyingRuntimeTest, FreeMemoryIsTakenFromTheFiguresAlone) {
 // And a status without a text leaves the message without one.
 TEST(LyingRuntimeTest, TotalMemoryGoesByTheStatus) {
   const CerrRecorder cerr;
-  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true), 0);
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true, kStandardError), 0);
   EXPECT_EQ(cerr.text(), "hipGetDeviceCount failed: \n");
 }
 

@@ -9,11 +9,15 @@
 #include "simulator/control.h"
 #include "tests/fakes/cerr_recorder.h"
 #include "tests/fakes/platform_fake.h"
+#include "tests/fakes/sink_recorder.h"
+#include "utils/measure_memory.h"
 
 namespace kestrel::tests {
 namespace {
 
+using kestrel_utils::MeasureProcessUsedRam;
 using kestrel_utils::MemoryObserver;
+using kestrel_utils::PredictAllocationFailure;
 
 constexpr std::uint64_t kGiB = std::uint64_t{1} << 30;
 constexpr std::uint64_t kHuge = std::numeric_limits<std::uint64_t>::max();
@@ -161,6 +165,20 @@ TEST_F(MemoryObserverTest, AFailedQueryPredictsSuccessWithAMessage) {
   EXPECT_FALSE(observer_.willFailToAllocate(-1));
   EXPECT_EQ(cerr_.writes(), std::vector<std::string>{"Failed to get global memory status.\n"});
   EXPECT_EQ(cerr_.flushes(), 1);
+}
+
+TEST_F(MemoryObserverTest, CallerSinkGetsEveryMessageInsteadOfStandardError) {
+  Platform().Fail("Process::Open");
+  Platform().Fail("QueryMemoryStatus");
+  SinkRecorder recorder;
+  EXPECT_EQ(MeasureProcessUsedRam(0, recorder.sink()), -1);
+  EXPECT_EQ(MeasureProcessUsedRam(4711, recorder.sink()), -1);
+  EXPECT_FALSE(PredictAllocationFailure(1, recorder.sink()));
+  EXPECT_EQ(recorder.text(),
+            "Failed to get used RAM for PID '0' since PID must be positive!\n|"
+            "Failed to open process with PID 4711\n|"
+            "Failed to get global memory status.\n|");
+  EXPECT_EQ(cerr_.text(), "");
 }
 
 TEST_F(MemoryObserverTest, ThrowingStreamOfTheHostIsContained) {

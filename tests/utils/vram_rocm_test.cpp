@@ -9,12 +9,14 @@
 
 #include "simulator/control.h"
 #include "tests/fakes/cerr_recorder.h"
+#include "tests/fakes/sink_recorder.h"
 
 namespace kestrel::tests {
 namespace {
 
 using kestrel_utils::getAvailableVRAM_ROCm;
 using kestrel_utils::getMachinePhysicalVRAM_ROCm;
+using kestrel_utils::kStandardError;
 using simulator::CurrentDevice;
 using simulator::Install;
 using simulator::Machine;
@@ -38,7 +40,7 @@ class VramRocmTest : public testing::Test {
 
 TEST_F(VramRocmTest, TotalOfAllDevicesIsTheSumOfTheirProperties) {
   Install(MachineWith(3));
-  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true), (6LL << 30) - 3);
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true, kStandardError), (6LL << 30) - 3);
   EXPECT_EQ(RecordedCalls(), (Calls{"hipGetDeviceCount()", "hipGetDeviceProperties(0)",
                                     "hipGetDeviceProperties(1)", "hipGetDeviceProperties(2)"}));
   EXPECT_EQ(cerr_.text(), "");
@@ -49,7 +51,7 @@ TEST_F(VramRocmTest, TotalOfOneDeviceIsThatOfTheFirstThatAnswers) {
   machine.faults = {{"hipGetDeviceProperties", 0, {}, hipErrorInvalidDevice},
                     {"hipGetDeviceProperties", 1, {}, hipErrorOutOfMemory}};
   Install(machine);
-  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(false), (3LL << 30) - 1);
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(false, kStandardError), (3LL << 30) - 1);
   EXPECT_EQ(cerr_.writes(),
             (Calls{"hipGetDeviceProperties failed for device 0: hipErrorInvalidDevice\n",
                    "hipGetDeviceProperties failed for device 1: hipErrorOutOfMemory\n"}));
@@ -60,13 +62,13 @@ TEST_F(VramRocmTest, TotalOfOneDeviceIsZeroWhenNoneAnswers) {
   Machine machine = MachineWith(2);
   machine.faults = {{"hipGetDeviceProperties", {}, {}, hipErrorUnknown}};
   Install(machine);
-  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(false), 0);
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(false, kStandardError), 0);
   EXPECT_EQ(cerr_.flushes(), 2);
 }
 
 TEST_F(VramRocmTest, AFailingCountIsReportedInTheRuntimesOwnWords) {
   Install({});
-  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true), 0);
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true, kStandardError), 0);
   EXPECT_EQ(cerr_.writes(), Calls{"hipGetDeviceCount failed: hipErrorNoDevice\n"});
   EXPECT_EQ(cerr_.flushes(), 1);
   EXPECT_EQ(RecordedCalls(), (Calls{"hipGetDeviceCount()", "hipGetErrorString(100)"}));
@@ -76,7 +78,7 @@ TEST_F(VramRocmTest, ZeroDevicesAreReportedOnceWithoutAFlush) {
   Machine machine;
   machine.claimed_device_count = 0;
   Install(machine);
-  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true), 0);
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true, kStandardError), 0);
   EXPECT_EQ(cerr_.writes(), Calls{"getMachinePhysicalVRAM_ROCm no HIP devices found\n"});
   EXPECT_EQ(cerr_.flushes(), 0);
 }
@@ -85,8 +87,8 @@ TEST_F(VramRocmTest, ANegativeCountIsZeroWithoutAMessage) {
   Machine machine = MachineWith(1);
   machine.claimed_device_count = -3;
   Install(machine);
-  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true), 0);
-  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(false), 0);
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true, kStandardError), 0);
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(false, kStandardError), 0);
   EXPECT_EQ(cerr_.text(), "");
 }
 
@@ -100,18 +102,36 @@ TEST_F(VramRocmTest, EachFailingDeviceIsReportedAndAddsNothing) {
       Install(machine);
       const long long all = (static_cast<long long>(count * (count + 1) / 2) << 30) - count;
       const long long missing = (static_cast<long long>(bad + 1) << 30) - 1;
-      EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true), all - missing);
+      EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true, kStandardError), all - missing);
       EXPECT_EQ(cerr.writes(), Calls{"hipGetDeviceProperties failed for device " +
                                      std::to_string(bad) + ": hipErrorUnknown\n"});
     }
   }
 }
 
+TEST_F(VramRocmTest, CallerSinkGetsEveryMessageInsteadOfStandardError) {
+  SinkRecorder recorder;
+  Install({});
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true, recorder.sink()), 0);
+  Machine machine = MachineWith(1);
+  machine.faults = {{"hipGetDeviceProperties", 0, {}, hipErrorInvalidDevice}};
+  Install(machine);
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true, recorder.sink()), 0);
+  machine.claimed_device_count = 0;
+  Install(machine);
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true, recorder.sink()), 0);
+  EXPECT_EQ(recorder.text(),
+            "hipGetDeviceCount failed: hipErrorNoDevice\n|"
+            "hipGetDeviceProperties failed for device 0: hipErrorInvalidDevice\n|"
+            "getMachinePhysicalVRAM_ROCm no HIP devices found\n");
+  EXPECT_EQ(cerr_.text(), "");
+}
+
 TEST_F(VramRocmTest, TheMiddleOfThreeFailing) {
   Machine machine = MachineWith(3);
   machine.faults = {{"hipGetDeviceProperties", 1, {}, hipErrorInvalidDevice}};
   Install(machine);
-  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true), (4LL << 30) - 2);
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true, kStandardError), (4LL << 30) - 2);
   EXPECT_EQ(cerr_.writes(),
             Calls{"hipGetDeviceProperties failed for device 1: hipErrorInvalidDevice\n"});
   EXPECT_EQ(cerr_.flushes(), 1);
@@ -121,7 +141,7 @@ TEST_F(VramRocmTest, AllDevicesFailingIsZero) {
   Machine machine = MachineWith(3);
   machine.faults = {{"hipGetDeviceProperties", {}, {}, hipErrorUnknown}};
   Install(machine);
-  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true), 0);
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true, kStandardError), 0);
   EXPECT_EQ(cerr_.writes().size(), 3U);
 }
 
@@ -130,7 +150,7 @@ TEST_F(VramRocmTest, SumsOfNonsenseWrap) {
   machine.devices[0].properties_memory = std::numeric_limits<std::uint64_t>::max();
   machine.devices[1].properties_memory = 8;
   Install(machine);
-  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true), 7);
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true, kStandardError), 7);
 }
 
 TEST_F(VramRocmTest, FreeOfOneDeviceIsThatOfDeviceZero) {
