@@ -1,5 +1,5 @@
-# Installs the simulated HIP runtime as the component `simulator`, with its machines. The folder is
-# no loader's and no linker's: a program gets the runtime only when it is told where that is.
+# Installs the simulated HIP runtime as the component `simulator`, with its machines, into a folder
+# that no loader and no linker searches by itself.
 
 include(CMakePackageConfigHelpers)
 
@@ -10,7 +10,7 @@ install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" "${PROJECT_SOURCE_DIR}/THIRD_PARTY
 
 set(simulator_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kestrelcore")
 
-# As a file, since what is to be laid down is what a loader opens, and no import library.
+# PROGRAMS, not TARGETS: only the file that a loader opens is installed, no import library.
 install(PROGRAMS "$<TARGET_FILE:kestrel_simulator>" DESTINATION "${simulator_dir}"
         COMPONENT simulator)
 install(

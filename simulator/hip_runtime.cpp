@@ -1,5 +1,5 @@
-// The operations of HIP. Arguments are judged in the order in which the real runtime does: first
-// whether there is any device at all, then what is wrong with the arguments.
+// The operations of HIP. They check in the order of the real runtime: first whether there is any
+// device at all, then the arguments.
 
 #include <hip/hip_runtime_api.h>
 #include <hip/hip_version.h>
@@ -38,7 +38,7 @@ hipError_t Answer(const Call& call, Action action) {
   });
 }
 
-// Likewise for what a machine without devices refuses.
+// Like `Answer`, but fails when the machine has no devices.
 template <typename Action>
 hipError_t AnswerWithDevices(const Call& call, Action action) {
   return WithRuntime([&](Runtime& runtime) {
@@ -51,7 +51,7 @@ Call CallOnDevice(const char* operation, int device) {
   return {operation, std::to_string(device), device};
 }
 
-// A text that fills its field is not ended by a NUL there.
+// A text that fills its field has no closing NUL, as in the real record.
 template <std::size_t kSize>
 void SetText(char (&field)[kSize], const std::string& text) {
   std::memcpy(field, text.data(), std::min(text.size(), kSize));
@@ -118,7 +118,7 @@ hipError_t hipSetDevice(int deviceId) {
   });
 }
 
-// Of the record, what a machine describes is filled and the rest is 0.
+// Fills the fields that a machine describes; all others are 0.
 hipError_t hipGetDeviceProperties(hipDeviceProp_t* prop, int deviceId) {
   const Call call = CallOnDevice("hipGetDeviceProperties", deviceId);
   return AnswerWithDevices(call, [=](const Runtime& runtime) {

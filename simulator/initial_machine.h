@@ -4,8 +4,9 @@
 
 namespace kestrel::simulator {
 
-// What is simulated until a machine is installed; asked for once, at the first call of any
-// operation. Defined twice: the shared library reads a file, what links the core has no device.
+// Returns the machine that is simulated until one is installed. Called once, at the first call of
+// any operation. Defined twice: the shared library reads a file, tests in the process start without
+// a device.
 Machine InitialMachine();
 
 }  // namespace kestrel::simulator

@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::int64_t kMaxInt = std::numeric_limits<int>::max();
 constexpr std::int64_t kMaxBytes = std::numeric_limits<std::int64_t>::max();
-constexpr std::int64_t kMaxDevices = 1024;   // alike, in one entry
+constexpr std::int64_t kMaxDevices = 1024;   // in one entry
 constexpr std::size_t kMaxTextLength = 256;  // the field in the properties record
 
 [[noreturn]] void Refuse(const toml::source_region& where, const std::string& complaint) {
@@ -29,7 +29,7 @@ constexpr std::size_t kMaxTextLength = 256;  // the field in the properties reco
 
 std::string Quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
 
-// Takes values out of a table, each of the type and within the bounds that its key is to have.
+// Reads the values of a table and checks the type and the bounds of each.
 class TableReader {
  public:
   TableReader(const toml::table& table, std::initializer_list<std::string_view> known_keys)
@@ -164,7 +164,7 @@ Fault FaultFrom(const toml::table& table, std::int64_t device_count) {
 Machine MachineFrom(const toml::table& table) {
   const TableReader reader(table, {"device", "claimed_device_count", "fault"});
   Machine machine;
-  // Not even a machine without devices leaves them out: it says so, `device = []`.
+  // A machine without devices says so, `device = []`: a file that is empty by accident is refused.
   static_cast<void>(reader.Required("device"));
   for (const toml::table* device : reader.Tables("device")) {
     AddDevices(*device, machine.devices);
@@ -184,7 +184,7 @@ Machine MachineFrom(const toml::table& table) {
 
 Machine ReadMachineFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
-  file.peek();  // a folder opens like a file, and then cannot be read
+  file.peek();  // a folder can be opened, but not read
   if (file.fail()) {
     throw MachineFileError(path + ": cannot be read");
   }

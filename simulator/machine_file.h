@@ -8,17 +8,17 @@
 
 namespace kestrel::simulator {
 
-// What is wrong with a machine file and where: "machine.toml:3:8: unknown key 'memory'".
+// Says what is wrong with a machine file, and where: "machine.toml:3:8: unknown key 'memory'".
 class MachineFileError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// Throws MachineFileError for a file that cannot be read and for what ParseMachine refuses.
+// Reads and parses a machine file. Throws MachineFileError if it cannot be read or parsed.
 Machine ReadMachineFile(const std::string& path);
 
-// The machine that a TOML text describes; the path is for the messages only. Throws
-// MachineFileError at the first thing that is not understood: nothing is skipped or guessed.
+// Parses a TOML text; the path is used in messages only. Throws MachineFileError at the first key
+// or value that is unknown or out of bounds; it never skips one.
 Machine ParseMachine(std::string_view text, const std::string& path);
 
 }  // namespace kestrel::simulator

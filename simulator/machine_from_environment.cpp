@@ -10,8 +10,8 @@ namespace kestrel::simulator {
 
 namespace {
 
-// No operation gives this status by itself, so that a host cannot take a broken file for a broken
-// device.
+// Every call fails with a status that no operation returns by itself, so that a host cannot mistake
+// a broken file for a broken device.
 Machine BrokenMachine() {
   Machine machine;
   for (const std::string_view operation : kOperationsWithStatus) {
@@ -31,7 +31,7 @@ Machine InitialMachine() {
   try {
     return ReadMachineFile(path);
   } catch (const std::exception& error) {
-    // Not through std::cerr: a host may have made that throw, and this is called from C.
+    // Not through std::cerr: the host may have enabled its exceptions, and the caller may be C.
     static_cast<void>(std::fprintf(stderr, "Simulated HIP runtime: %s\n", error.what()));
     return BrokenMachine();
   }

@@ -5,7 +5,7 @@
 
 namespace kestrel::simulator {
 
-// The operations that report a status, and so can be made to fail.
+// The operations that return a status. A fault can name each of them.
 constexpr std::array<std::string_view, 13> kOperationsWithStatus = {
     "hipInit",
     "hipRuntimeGetVersion",

@@ -10,8 +10,8 @@ namespace kestrel::simulator {
 
 namespace {
 
-// Beyond what any processor maps for a program: a host that reads device memory as its own faults
-// there, as with a real card.
+// Outside the address space of a program on x86-64: a host that reads device memory as its own
+// faults there, as with a real card.
 constexpr std::uintptr_t kFirstAddress = std::uintptr_t{1} << 56;
 constexpr std::uintptr_t kPage = 4096;
 
@@ -29,7 +29,7 @@ Runtime::Runtime(Machine machine, Recording recording, std::uint64_t generation)
       next_address_(kFirstAddress),
       generation_(generation) {}
 
-// Every fault that matches counts the call, though the first one in the list decides.
+// Every matching fault counts the call; the first one in the list that strikes decides the status.
 hipError_t Runtime::Admit(const Call& call) {
   if (recording_ == Recording::kOn) {
     calls_.push_back(std::string(call.operation) + "(" + call.argument + ")");
@@ -77,7 +77,7 @@ hipError_t Runtime::Allocate(int device, std::size_t size, void** address) {
     return hipErrorOutOfMemory;
   }
   allocations_[next_address_] = {device, size};
-  // NOLINTNEXTLINE(performance-no-int-to-ptr): nothing is ever to be read there.
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the address is never read.
   *address = reinterpret_cast<void*>(next_address_);
   next_address_ += (size + kPage - 1) / kPage * kPage;
   owner.free_memory -= size;
@@ -104,8 +104,7 @@ ThreadState& Runtime::Thread() const {
   return state;
 }
 
-// Never destroyed, like the runtime below: a host may free its device memory as late as in its own
-// static destructors.
+// Never destroyed, like the runtime below: a host may free device memory in its static destructors.
 std::mutex& RuntimeMutex() {
   static std::mutex& mutex = *new std::mutex;
   return mutex;

@@ -14,46 +14,45 @@
 
 namespace kestrel::simulator {
 
-// One call of an operation.
 struct Call {
   const char* operation;
-  std::string argument = {};       // as recorded; empty for none
-  std::optional<int> device = {};  // the device that it names; none: the current one
+  std::string argument = {};       // as recorded; empty if the operation takes none
+  std::optional<int> device = {};  // the device that it names; the current one if not set
 };
 
 // What HIP keeps for each host thread.
 struct ThreadState {
-  std::uint64_t generation = 0;  // of the machine that the rest was about
+  std::uint64_t generation = 0;  // of the machine that the other fields belong to
   int current_device = 0;
   hipError_t last_error = hipSuccess;
 };
 
-// A simulated machine at work. Not locked: see WithRuntime.
+// A simulated machine and the state of the runtime over it. Not thread-safe: see WithRuntime.
 class Runtime {
  public:
-  // The generation tells this machine from those before it.
+  // The generation numbers the machines that were installed in turn.
   Runtime(Machine machine, Recording recording, std::uint64_t generation);
 
-  // Records the call, and tells the status of the fault that it runs into; success for none.
+  // Records the call. Returns the status of the fault that it meets, or hipSuccess.
   hipError_t Admit(const Call& call);
 
-  // Likewise for an operation that needs a device: fails as well on a machine without any.
+  // Like `Admit`, but fails when the machine has no devices.
   hipError_t AdmitToDevices(const Call& call);
 
-  // The count in `claimed_device_count`, else how many there are.
+  // `claimed_device_count` if set, otherwise the number of devices.
   [[nodiscard]] int DeviceCount() const;
-  // Without devices the runtime does not start, unless it is to claim that it counted them.
+  // Without devices the runtime does not start, unless `claimed_device_count` is set.
   [[nodiscard]] bool Started() const;
-  // Null if there is no such device.
+  // Returns null if there is no such device.
   [[nodiscard]] const Device* DeviceAt(int index) const;
 
-  // `hipErrorInvalidDevice` if there is no such device, `hipErrorOutOfMemory` if it has not that
-  // much left.
+  // Returns `hipErrorInvalidDevice` if there is no such device, `hipErrorOutOfMemory` if less is
+  // free.
   hipError_t Allocate(int device, std::size_t size, void** address);
-  // `hipErrorInvalidDevicePointer` if nothing was allocated there.
+  // Returns `hipErrorInvalidDevicePointer` if the address was not allocated.
   hipError_t Release(void* address);
 
-  // The calling thread's.
+  // Returns the state of the calling thread.
   [[nodiscard]] ThreadState& Thread() const;
 
   [[nodiscard]] const std::vector<std::string>& calls() const { return calls_; }
@@ -66,7 +65,7 @@ class Runtime {
   };
 
   Machine machine_;
-  std::vector<int> matched_calls_;  // of each fault
+  std::vector<int> matched_calls_;  // for each fault
   Recording recording_;
   std::vector<std::string> calls_;
   std::map<std::uintptr_t, Allocation> allocations_;
@@ -76,7 +75,7 @@ class Runtime {
 
 std::mutex& RuntimeMutex();
 
-// The process's one runtime; hold the mutex.
+// The process's one runtime. The caller holds the mutex.
 Runtime& TheRuntime();
 
 template <typename Action>

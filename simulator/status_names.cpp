@@ -12,8 +12,8 @@ struct NamedStatus {
   const char* name;
 };
 
-// As the header names them. Where it gives two names to one status, the one that the real runtime
-// answers with.
+// Named as in HIP's header. Where the header has two names for one status, this is the one that the
+// real runtime returns.
 constexpr NamedStatus kStatuses[] = {
     {hipSuccess, "hipSuccess"},
     {hipErrorInvalidValue, "hipErrorInvalidValue"},

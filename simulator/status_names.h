@@ -7,10 +7,11 @@
 
 namespace kestrel::simulator {
 
-// "hipErrorNoDevice"; "hipErrorUnknown" for what is not a status. Lives as long as the process.
+// Returns "hipErrorNoDevice" and the like; "hipErrorUnknown" for a value that is no status. The
+// text is static.
 const char* StatusName(hipError_t status);
 
-// The status of that name; nothing if there is none.
+// Returns the status of that name; `nullopt` if there is none.
 std::optional<hipError_t> StatusNamed(std::string_view name);
 
 }  // namespace kestrel::simulator

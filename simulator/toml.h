@@ -1,6 +1,6 @@
 #pragma once
 
-// HIP's header turns this attribute, of which toml++ asks the compiler, into a macro.
+// HIP's header defines this compiler attribute, which toml++ uses, as a macro.
 #pragma push_macro("__noinline__")
 #undef __noinline__
 #include <toml++/toml.h>

@@ -1,14 +1,15 @@
-# Installs the project, moves the install tree, and uses the simulated runtime out of it as an
-# outside project would.
+# Installs the project, moves the install tree, and uses the simulated runtime from there as an
+# outside project does.
 #
-#   cmake -DBUILD=... -DWORK=... -DSOURCE=... -DEMULATOR=... -DHARNESS=... -DBESIDE=... \
-#         -DGENERATOR=... -P check_package.cmake
+#   cmake -DBUILD=... -DWORK=... -DSOURCE=... -DEMULATOR=... -DHARNESS=... \
+#         -DCOPY_RUNTIME=... -DGENERATOR=... -P check_package.cmake
 #
-# BUILD     the build tree; WORK a folder for this test alone; SOURCE the project's sources
-# EMULATOR  what runs a program in a cross build
-# GENERATOR as in BUILD: a machine may have no other build tool
-# HARNESS   the file name of the installed program
-# BESIDE    whether programs look for the runtime beside themselves, not in a folder that is named
+# BUILD         the build tree; WORK a folder for this test alone; SOURCE the project's sources
+# EMULATOR      the program that runs programs of a cross build; empty in a native one
+# GENERATOR     the one of BUILD: the machine may have no other build tool
+# HARNESS       the file name of the installed program
+# COPY_RUNTIME  ON where the loader searches the program's own folder, so that the runtime is copied
+#               there; otherwise LD_LIBRARY_PATH names the runtime's folder
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -23,17 +24,17 @@ execute_process(
   COMMAND_ERROR_IS_FATAL ANY)
 include("${WORK}/user/found.cmake")
 
-# Where a loader or a linker would find it by accident, there is none.
+# No loader and no linker can find the runtime by accident.
 file(GLOB_RECURSE runtimes "${prefix}/*amdhip64*")
 if(NOT runtimes STREQUAL runtime)
-  message(FATAL_ERROR "Instead of ${runtime} alone there is ${runtimes}")
+  message(FATAL_ERROR "Expected ${runtime} alone, found ${runtimes}")
 endif()
-file(GLOB beside_it "${folder}/*")
-if(NOT beside_it STREQUAL runtime)
-  message(FATAL_ERROR "The runtime's folder also holds others: ${beside_it}")
+file(GLOB folder_files "${folder}/*")
+if(NOT folder_files STREQUAL runtime)
+  message(FATAL_ERROR "The runtime's folder also holds other files: ${folder_files}")
 endif()
 
-if(BESIDE)
+if(COPY_RUNTIME)
   file(COPY "${runtime}" DESTINATION "${prefix}/bin")
   set(folder "")
 endif()

@@ -1,5 +1,5 @@
-# Runs a program over the real runtime and over the simulated one, neither with a device, and
-# compares what it writes.
+# Runs a program over the real runtime and over the simulated one, both without a device, and compares
+# the outputs.
 #
 #   cmake -DPROGRAM=... -DREAL=... -DSIMULATED=... -P compare_runtimes.cmake
 #
@@ -18,8 +18,8 @@ function(run_over runtime result)
 endfunction()
 
 unset(ENV{KESTREL_SIM_MACHINE})
-set(ENV{HIP_VISIBLE_DEVICES} -1)  # a host that has GPUs hides them
-# The real runtime never frees what it keeps for a thread.
+set(ENV{HIP_VISIBLE_DEVICES} -1)  # hides the GPUs of the host
+# The real runtime leaks the state of a thread.
 set(ENV{ASAN_OPTIONS} "$ENV{ASAN_OPTIONS}:detect_leaks=0")
 run_over("${REAL}" real)
 run_over("${SIMULATED}" simulated)

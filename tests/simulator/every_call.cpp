@@ -1,5 +1,5 @@
-// Calls every operation that the simulator has and writes what came back: the status, and what the
-// outputs hold that before the call held 7.
+// Calls every operation of the simulator and prints the status and the outputs, each of which holds
+// 7 before the call.
 
 #include <hip/hip_runtime_api.h>
 #include <hip/hip_version.h>
@@ -37,19 +37,19 @@ void CallVersions() {
   version = kBefore;
   status = hipDriverGetVersion(&version);
   Report("hipDriverGetVersion", status, VersionText(version));
-  Report("hipRuntimeGetVersion to nowhere", hipRuntimeGetVersion(nullptr));
-  Report("hipDriverGetVersion to nowhere", hipDriverGetVersion(nullptr));
+  Report("hipRuntimeGetVersion to null", hipRuntimeGetVersion(nullptr));
+  Report("hipDriverGetVersion to null", hipDriverGetVersion(nullptr));
 }
 
 void CallDevices() {
   int count = kBefore;
   hipError_t status = hipGetDeviceCount(&count);
   Report("hipGetDeviceCount", status, count);
-  Report("hipGetDeviceCount to nowhere", hipGetDeviceCount(nullptr));
+  Report("hipGetDeviceCount to null", hipGetDeviceCount(nullptr));
   int device = kBefore;
   status = hipGetDevice(&device);
   Report("hipGetDevice", status, device);
-  Report("hipGetDevice to nowhere", hipGetDevice(nullptr));
+  Report("hipGetDevice to null", hipGetDevice(nullptr));
   for (const int index : {0, 1, -1}) {
     Report("hipSetDevice " + std::to_string(index), hipSetDevice(index));
   }
@@ -67,11 +67,11 @@ void CallProperties() {
     const hipError_t name_status = hipDeviceGetName(name, sizeof name, index);
     Report("hipDeviceGetName " + std::to_string(index), name_status, name);
   }
-  Report("hipGetDeviceProperties to nowhere", hipGetDeviceProperties(nullptr, 0));
-  Report("hipDeviceGetName to nowhere", hipDeviceGetName(nullptr, 8, 0));
-  char none = '7';
-  const hipError_t status = hipDeviceGetName(&none, 0, 0);
-  Report("hipDeviceGetName of length 0", status, none);
+  Report("hipGetDeviceProperties to null", hipGetDeviceProperties(nullptr, 0));
+  Report("hipDeviceGetName to null", hipDeviceGetName(nullptr, 8, 0));
+  char unwritten = '7';
+  const hipError_t status = hipDeviceGetName(&unwritten, 0, 0);
+  Report("hipDeviceGetName of length 0", status, unwritten);
 }
 
 void ReportMemory(const std::string& when) {
@@ -83,22 +83,22 @@ void ReportMemory(const std::string& when) {
 
 void CallMemory() {
   ReportMemory("at first");
-  Report("hipMemGetInfo to nowhere", hipMemGetInfo(nullptr, nullptr));
+  Report("hipMemGetInfo to null", hipMemGetInfo(nullptr, nullptr));
   void* memory = nullptr;
   hipError_t status = hipMalloc(&memory, 4096);
   Report("hipMalloc", status, memory != nullptr);
   ReportMemory("after it");
-  void* nothing = nullptr;
-  status = hipMalloc(&nothing, 0);
-  Report("hipMalloc of nothing", status, nothing != nullptr);
-  Report("hipMalloc to nowhere", hipMalloc(static_cast<void**>(nullptr), 1));
+  void* none = nullptr;
+  status = hipMalloc(&none, 0);
+  Report("hipMalloc of 0 bytes", status, none != nullptr);
+  Report("hipMalloc to null", hipMalloc(static_cast<void**>(nullptr), 1));
   Report("hipFree", hipFree(memory));
   ReportMemory("after that");
-  Report("hipFree of nothing", hipFree(nullptr));
-  Report("hipFree of a stranger", hipFree(&memory));
+  Report("hipFree of null", hipFree(nullptr));
+  Report("hipFree of an unknown address", hipFree(&memory));
 }
 
-// Also for numbers that are no status.
+// Includes numbers that are no status.
 void CallErrorTexts(int end) {
   for (int number = 0; number < end; ++number) {
     const auto status = static_cast<hipError_t>(number);
@@ -109,7 +109,7 @@ void CallErrorTexts(int end) {
 
 }  // namespace
 
-// An argument asks for the texts of every status instead of the first few.
+// With an argument, prints the texts of every status, not only of the first few.
 int main(int argc, char** /*argv*/) {
   CallLastErrors();
   CallVersions();

@@ -4,14 +4,16 @@
 
 #include <string>
 
+namespace kestrel::tests {
+
 namespace {
 
-using kestrel::simulator::Machine;
-using kestrel::simulator::MachineFileError;
-using kestrel::simulator::ParseMachine;
-using kestrel::simulator::ReadMachineFile;
+using simulator::Machine;
+using simulator::MachineFileError;
+using simulator::ParseMachine;
+using simulator::ReadMachineFile;
 
-// What is wrong with a text; empty if nothing is.
+// Returns the message about a text; empty if it is accepted.
 std::string ComplaintAbout(const std::string& text) {
   try {
     static_cast<void>(ParseMachine(text, "m.toml"));
@@ -29,7 +31,7 @@ const std::string kDevice =
     "total_memory = 1_000\n"
     "free_memory = 900\n";
 
-// The device above with one line, from 2 to 6, exchanged.
+// The device above with one of its lines 2 to 6 replaced.
 std::string DeviceWithLine(int number, const std::string& line) {
   std::string text = kDevice;
   std::size_t begin = 0;
@@ -41,7 +43,7 @@ std::string DeviceWithLine(int number, const std::string& line) {
 
 std::string Fault(const std::string& keys) { return kDevice + "[[fault]]\n" + keys; }
 
-TEST(MachineFile, DescribesDevices) {
+TEST(MachineFileTest, DeviceTablesBecomeDevices) {
   const Machine machine =
       ParseMachine(kDevice +
                        "[[device]]\nname = 'an APU'\narch = 'gfx1103'\nintegrated = true\n"
@@ -53,7 +55,7 @@ TEST(MachineFile, DescribesDevices) {
   EXPECT_EQ(machine.devices[0].integrated, 0);
   EXPECT_EQ(machine.devices[0].total_memory, 1000U);
   EXPECT_EQ(machine.devices[0].free_memory, 900U);
-  EXPECT_EQ(machine.devices[0].properties_memory, 1000U) << "as the total, if it is left out";
+  EXPECT_EQ(machine.devices[0].properties_memory, 1000U) << "the total by default";
   EXPECT_EQ(machine.devices[1].integrated, 1);
   EXPECT_EQ(machine.devices[1].total_memory, 20U);
   EXPECT_EQ(machine.devices[1].free_memory, 30U);
@@ -62,19 +64,19 @@ TEST(MachineFile, DescribesDevices) {
   EXPECT_TRUE(machine.faults.empty());
 }
 
-TEST(MachineFile, RepeatsADevice) {
-  const Machine machine = ParseMachine(kDevice + "count = 64\n" + kDevice, "m.toml");
-  ASSERT_EQ(machine.devices.size(), 65U);
-  EXPECT_EQ(machine.devices[63].name, "a card");
+TEST(MachineFileTest, CountRepeatsTheDevice) {
+  const Machine machine = ParseMachine(kDevice + "count = 8\n" + kDevice, "m.toml");
+  ASSERT_EQ(machine.devices.size(), 9U);
+  EXPECT_EQ(machine.devices[7].name, "a card");
 }
 
-TEST(MachineFile, DescribesAMachineWithoutDevices) {
+TEST(MachineFileTest, EmptyDeviceListIsAMachineWithoutDevices) {
   EXPECT_TRUE(ParseMachine("device = []\n", "m.toml").devices.empty());
   const Machine machine = ParseMachine("device = []\nclaimed_device_count = 0\n", "m.toml");
   EXPECT_EQ(machine.claimed_device_count, 0);
 }
 
-TEST(MachineFile, DescribesFaults) {
+TEST(MachineFileTest, FaultTablesBecomeFaults) {
   const Machine machine =
       ParseMachine(Fault("operation = 'hipMemGetInfo'\ndevice = 0\ncall = 2\n"
                          "status = 'hipErrorNotReady'\n"
@@ -91,19 +93,19 @@ TEST(MachineFile, DescribesFaults) {
   EXPECT_EQ(machine.faults[1].status, hipErrorUnknown);
 }
 
-TEST(MachineFile, PlacesWhatIsNotToml) {
+TEST(MachineFileTest, TextThatIsNotTomlIsRefusedWithItsLine) {
   const std::string complaint = ComplaintAbout("[[device]]\nname = 'a card\narch = 'gfx'\n");
   EXPECT_EQ(complaint.rfind("m.toml:2:", 0), 0U) << complaint;
 }
 
-TEST(MachineFile, RefusesKeysThatItDoesNotKnow) {
+TEST(MachineFileTest, UnknownKeyIsRefused) {
   EXPECT_EQ(ComplaintAbout(kDevice + "memory = 5\n"), "m.toml:7:1: unknown key 'memory'");
   EXPECT_EQ(ComplaintAbout("  devices = []\n"), "m.toml:1:3: unknown key 'devices'");
   EXPECT_EQ(ComplaintAbout(Fault("operations = 'hipInit'\n")),
             "m.toml:8:1: unknown key 'operations'");
 }
 
-TEST(MachineFile, RefusesKeysThatAreMissing) {
+TEST(MachineFileTest, MissingKeyIsRefused) {
   EXPECT_EQ(ComplaintAbout(""), "m.toml:1:1: key 'device' is missing");
   EXPECT_EQ(ComplaintAbout(DeviceWithLine(2, "")), "m.toml:1:1: key 'name' is missing");
   EXPECT_EQ(ComplaintAbout(DeviceWithLine(3, "")), "m.toml:1:1: key 'arch' is missing");
@@ -116,7 +118,7 @@ TEST(MachineFile, RefusesKeysThatAreMissing) {
             "m.toml:7:1: key 'status' is missing");
 }
 
-TEST(MachineFile, RefusesValuesOfAnotherType) {
+TEST(MachineFileTest, ValueOfAnotherTypeIsRefused) {
   EXPECT_EQ(ComplaintAbout(DeviceWithLine(2, "name = 7")), "m.toml:2:8: 'name' must be a string");
   EXPECT_EQ(ComplaintAbout(DeviceWithLine(4, "integrated = 1")),
             "m.toml:4:14: 'integrated' must be true or false");
@@ -131,7 +133,7 @@ TEST(MachineFile, RefusesValuesOfAnotherType) {
   EXPECT_EQ(ComplaintAbout("device = [1]\n"), "m.toml:1:11: each 'device' must be a table");
 }
 
-TEST(MachineFile, RefusesNumbersOutOfRange) {
+TEST(MachineFileTest, NumberOutOfRangeIsRefused) {
   EXPECT_EQ(ComplaintAbout(DeviceWithLine(5, "total_memory = -1")),
             "m.toml:5:16: 'total_memory' must be from 0 to 9223372036854775807");
   EXPECT_EQ(ComplaintAbout(kDevice + "count = 0\n"), "m.toml:7:9: 'count' must be from 1 to 1024");
@@ -141,19 +143,19 @@ TEST(MachineFile, RefusesNumbersOutOfRange) {
             "m.toml:10:8: 'call' must be from 1 to 2147483647");
 }
 
-TEST(MachineFile, RefusesNumbersThatTomlCannotHold) {
+TEST(MachineFileTest, NumberBeyond64BitsIsRefused) {
   const std::string complaint =
       ComplaintAbout(DeviceWithLine(5, "total_memory = 9223372036854775808"));
   EXPECT_EQ(complaint.rfind("m.toml:5:", 0), 0U) << complaint;
 }
 
-TEST(MachineFile, RefusesTextsThatTheRecordCannotHold) {
+TEST(MachineFileTest, TextLongerThanTheRecordFieldIsRefused) {
   EXPECT_EQ(ComplaintAbout(DeviceWithLine(2, "name = '" + std::string(256, 'n') + "'")), "");
   EXPECT_EQ(ComplaintAbout(DeviceWithLine(2, "name = '" + std::string(257, 'n') + "'")),
             "m.toml:2:8: 'name' must not exceed 256 bytes");
 }
 
-TEST(MachineFile, RefusesFaultsOfNoOperation) {
+TEST(MachineFileTest, FaultOfUnknownOperationIsRefused) {
   const std::string status = "status = 'hipErrorUnknown'\n";
   EXPECT_EQ(ComplaintAbout(Fault(status + "operation = 'hipMemInfo'\n")),
             "m.toml:9:13: there is no operation 'hipMemInfo' that could fail");
@@ -161,7 +163,7 @@ TEST(MachineFile, RefusesFaultsOfNoOperation) {
             "m.toml:9:13: there is no operation 'hipGetErrorString' that could fail");
 }
 
-TEST(MachineFile, RefusesStatusesThatAreNoFailure) {
+TEST(MachineFileTest, FaultWithoutAFailureStatusIsRefused) {
   const std::string operation = "operation = 'hipInit'\n";
   EXPECT_EQ(ComplaintAbout(Fault(operation + "status = 'hipErrorBroken'\n")),
             "m.toml:9:10: there is no failure 'hipErrorBroken'");
@@ -171,13 +173,13 @@ TEST(MachineFile, RefusesStatusesThatAreNoFailure) {
             "m.toml:9:10: 'status' must be a string");
 }
 
-TEST(MachineFile, RefusesFaultsOfDevicesThatNobodyCounts) {
+TEST(MachineFileTest, FaultOfUncountedDeviceIsRefused) {
   const std::string fault = "operation = 'hipSetDevice'\nstatus = 'hipErrorUnknown'\ndevice = 1\n";
   EXPECT_EQ(ComplaintAbout(Fault(fault)), "m.toml:10:10: there is no device 1");
   EXPECT_EQ(ComplaintAbout("claimed_device_count = 2\n" + Fault(fault)), "");
 }
 
-TEST(MachineFile, NamesTheFileThatItCannotRead) {
+TEST(MachineFileTest, UnreadableFileIsNamed) {
   for (const std::string path : {"no such file.toml", "."}) {
     try {
       static_cast<void>(ReadMachineFile(path));
@@ -189,3 +191,5 @@ TEST(MachineFile, NamesTheFileThatItCannotRead) {
 }
 
 }  // namespace
+
+}  // namespace kestrel::tests

@@ -1,4 +1,4 @@
-// A host that has made std::cerr throw, where it cannot be written to: the runtime's complaint
+// A host whose std::cerr throws when a write fails, and every write does: the runtime's message
 // about its machine file must not end the host.
 
 #include <hip/hip_runtime_api.h>

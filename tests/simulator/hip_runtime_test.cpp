@@ -12,15 +12,17 @@
 
 #include "simulator/control.h"
 
+namespace kestrel::tests {
+
 namespace {
 
-using kestrel::simulator::CurrentDevice;
-using kestrel::simulator::Device;
-using kestrel::simulator::Fault;
-using kestrel::simulator::Install;
-using kestrel::simulator::Machine;
-using kestrel::simulator::RecordedCalls;
-using kestrel::simulator::Recording;
+using simulator::CurrentDevice;
+using simulator::Device;
+using simulator::Fault;
+using simulator::Install;
+using simulator::Machine;
+using simulator::RecordedCalls;
+using simulator::Recording;
 using testing::Test;
 
 constexpr std::size_t kGiB = std::size_t{1} << 30;
@@ -48,12 +50,12 @@ std::size_t FreeMemory() {
   return free;
 }
 
-class SimulatedRuntime : public Test {
+class HipRuntimeTest : public Test {
  protected:
   void TearDown() override { Install({}); }
 };
 
-TEST_F(SimulatedRuntime, TellsWhatTheMachineDescribes) {
+TEST_F(HipRuntimeTest, PropertiesAreThoseOfTheMachine) {
   Install({{{"a card", "gfx1100", 0, 10, 5, 7}, {"an APU", "gfx1103", 1, 20, 30, 40}}, {}, {}});
   int count = 0;
   EXPECT_EQ(hipGetDeviceCount(&count), hipSuccess);
@@ -65,10 +67,10 @@ TEST_F(SimulatedRuntime, TellsWhatTheMachineDescribes) {
   EXPECT_STREQ(properties.gcnArchName, "gfx1103");
   EXPECT_EQ(properties.integrated, 1);
   EXPECT_EQ(properties.totalGlobalMem, 40U);
-  EXPECT_EQ(properties.warpSize, 0) << "what the machine does not describe is 0";
+  EXPECT_EQ(properties.warpSize, 0) << "a field that no machine describes";
 }
 
-TEST_F(SimulatedRuntime, TellsTheMemoryOfTheCurrentDevice) {
+TEST_F(HipRuntimeTest, MemoryIsThatOfTheCurrentDevice) {
   Install({{{"a", "", 0, 10, 5, 7}, {"b", "", 0, 20, 30, 40}}, {}, {}});
   std::size_t free = 0;
   std::size_t total = 0;
@@ -77,11 +79,11 @@ TEST_F(SimulatedRuntime, TellsTheMemoryOfTheCurrentDevice) {
   EXPECT_EQ(total, 10U);
   EXPECT_EQ(hipSetDevice(1), hipSuccess);
   EXPECT_EQ(hipMemGetInfo(&free, &total), hipSuccess);
-  EXPECT_EQ(free, 30U) << "more than there is, as described";
+  EXPECT_EQ(free, 30U) << "more than the total, as described";
   EXPECT_EQ(total, 20U);
 }
 
-TEST_F(SimulatedRuntime, RefusesDevicesThatAreNotThere) {
+TEST_F(HipRuntimeTest, UnknownDeviceIsInvalid) {
   Install(MachineWith(2));
   hipDeviceProp_t properties{};
   std::array<char, 8> name{};
@@ -93,7 +95,7 @@ TEST_F(SimulatedRuntime, RefusesDevicesThatAreNotThere) {
   EXPECT_EQ(CurrentDevice(), 0);
 }
 
-TEST_F(SimulatedRuntime, RefusesOutputsThatAreNotThere) {
+TEST_F(HipRuntimeTest, NullOutputIsInvalid) {
   Install(MachineWith(1));
   std::size_t bytes = 0;
   EXPECT_EQ(hipGetDeviceCount(nullptr), hipErrorInvalidValue);
@@ -107,7 +109,7 @@ TEST_F(SimulatedRuntime, RefusesOutputsThatAreNotThere) {
   EXPECT_EQ(hipDriverGetVersion(nullptr), hipErrorInvalidValue);
 }
 
-TEST_F(SimulatedRuntime, TellsTheVersionOfItsHeader) {
+TEST_F(HipRuntimeTest, VersionIsThatOfTheHeader) {
   int version = 0;
   EXPECT_EQ(hipRuntimeGetVersion(&version), hipSuccess);
   EXPECT_EQ(version, HIP_VERSION);
@@ -116,24 +118,24 @@ TEST_F(SimulatedRuntime, TellsTheVersionOfItsHeader) {
   EXPECT_EQ(version, HIP_VERSION);
 }
 
-TEST_F(SimulatedRuntime, NamesStatuses) {
+TEST_F(HipRuntimeTest, StatusTextIsItsName) {
   EXPECT_STREQ(hipGetErrorString(hipErrorNoDevice), "hipErrorNoDevice");
   EXPECT_STREQ(hipGetErrorName(hipErrorOutOfMemory), "hipErrorOutOfMemory");
   EXPECT_STREQ(hipGetErrorString(hipSuccess), "hipSuccess");
   EXPECT_STREQ(hipGetErrorString(static_cast<hipError_t>(800)), "hipErrorUnknown");
 }
 
-TEST_F(SimulatedRuntime, CutsNamesToTheRecord) {
+TEST_F(HipRuntimeTest, LongNameFillsTheRecordField) {
   Install({{{std::string(300, 'n'), std::string(256, 'a'), 0, 1, 1, 1}}, {}, {}});
   hipDeviceProp_t properties{};
   ASSERT_EQ(hipGetDeviceProperties(&properties, 0), hipSuccess);
   EXPECT_EQ(std::string(properties.name, sizeof properties.name), std::string(256, 'n'));
   EXPECT_EQ(std::string(properties.gcnArchName, sizeof properties.gcnArchName),
             std::string(256, 'a'));
-  EXPECT_EQ(properties.integrated, 0) << "the field after it is its own";
+  EXPECT_EQ(properties.integrated, 0) << "the next field is not overwritten";
 }
 
-TEST_F(SimulatedRuntime, CutsTheNameToTheCallersBuffer) {
+TEST_F(HipRuntimeTest, LongNameIsCutToTheCallersBuffer) {
   Install({{{"Radeon", "", 0, 1, 1, 1}}, {}, {}});
   std::array<char, 8> name{};
   EXPECT_EQ(hipDeviceGetName(name.data(), 8, 0), hipSuccess);
@@ -145,19 +147,19 @@ TEST_F(SimulatedRuntime, CutsTheNameToTheCallersBuffer) {
   EXPECT_EQ(hipDeviceGetName(name.data(), 0, 0), hipErrorInvalidValue);
 }
 
-TEST_F(SimulatedRuntime, HoldsSixtyFourDevices) {
-  Install(MachineWith(64));
+TEST_F(HipRuntimeTest, NineDevicesKeepTheirOwnMemory) {
+  Install(MachineWith(9));
   int count = 0;
   EXPECT_EQ(hipGetDeviceCount(&count), hipSuccess);
-  ASSERT_EQ(count, 64);
+  ASSERT_EQ(count, 9);
   for (int device = 0; device < count; ++device) {
     EXPECT_EQ(hipSetDevice(device), hipSuccess);
     EXPECT_EQ(FreeMemory(), (static_cast<std::size_t>(device) + 1) * 8 * kGiB - kGiB);
   }
-  EXPECT_EQ(hipSetDevice(64), hipErrorInvalidDevice);
+  EXPECT_EQ(hipSetDevice(9), hipErrorInvalidDevice);
 }
 
-TEST_F(SimulatedRuntime, WithoutDevicesFailsAsTheRealOne) {
+TEST_F(HipRuntimeTest, WithoutDevicesEachCallFailsAsInTheRealRuntime) {
   Install({});
   int number = 7;
   EXPECT_EQ(hipGetDeviceCount(&number), hipErrorNoDevice);
@@ -173,13 +175,13 @@ TEST_F(SimulatedRuntime, WithoutDevicesFailsAsTheRealOne) {
   EXPECT_EQ(hipMemGetInfo(&free, &total), hipErrorInvalidDevice);
   EXPECT_EQ(hipFree(nullptr), hipErrorInvalidDevice);
   EXPECT_EQ(hipGetLastError(), hipErrorInvalidDevice);
-  EXPECT_EQ(hipGetLastError(), hipErrorInvalidDevice) << "it asks for a device itself";
+  EXPECT_EQ(hipGetLastError(), hipErrorInvalidDevice) << "this call fails without a device, too";
   EXPECT_EQ(number, 7);
   EXPECT_EQ(free, 7U);
   EXPECT_EQ(total, 7U);
 }
 
-TEST_F(SimulatedRuntime, CountsWhatItClaims) {
+TEST_F(HipRuntimeTest, ClaimedCountIsReported) {
   Machine machine = MachineWith(1);
   machine.claimed_device_count = 3;
   Install(machine);
@@ -190,7 +192,7 @@ TEST_F(SimulatedRuntime, CountsWhatItClaims) {
   EXPECT_EQ(hipSetDevice(1), hipErrorInvalidDevice);
 }
 
-TEST_F(SimulatedRuntime, ClaimsNoDevicesWithSuccess) {
+TEST_F(HipRuntimeTest, ClaimedCountOfZeroIsReportedWithSuccess) {
   Install({{}, 0, {}});
   int count = 7;
   EXPECT_EQ(hipGetDeviceCount(&count), hipSuccess);
@@ -203,7 +205,7 @@ TEST_F(SimulatedRuntime, ClaimsNoDevicesWithSuccess) {
   EXPECT_EQ(hipMemGetInfo(&free, &total), hipErrorInvalidDevice);
 }
 
-TEST_F(SimulatedRuntime, RecordsEveryCallAsWritten) {
+TEST_F(HipRuntimeTest, CallsAreRecordedInOrder) {
   Install(MachineWith(2));
   int number = 0;
   hipDeviceProp_t properties{};
@@ -231,13 +233,13 @@ TEST_F(SimulatedRuntime, RecordsEveryCallAsWritten) {
   EXPECT_TRUE(RecordedCalls().empty());
 }
 
-TEST_F(SimulatedRuntime, RecordsNothingUnlessAskedTo) {
+TEST_F(HipRuntimeTest, RecordingOffKeepsNoCalls) {
   Install(MachineWith(1), Recording::kOff);
   EXPECT_EQ(hipSetDevice(0), hipSuccess);
   EXPECT_TRUE(RecordedCalls().empty());
 }
 
-TEST_F(SimulatedRuntime, FaultStrikesItsOperationOnItsDevice) {
+TEST_F(HipRuntimeTest, FaultFailsItsOperationOnItsDevice) {
   Install(WithFault(MachineWith(3), {"hipGetDeviceProperties", 1, {}, hipErrorNotReady}));
   hipDeviceProp_t properties{};
   EXPECT_EQ(hipGetDeviceProperties(&properties, 0), hipSuccess);
@@ -248,7 +250,7 @@ TEST_F(SimulatedRuntime, FaultStrikesItsOperationOnItsDevice) {
   EXPECT_EQ(hipSetDevice(1), hipSuccess) << "another operation";
 }
 
-TEST_F(SimulatedRuntime, FaultOfAnOperationWithoutDeviceGoesByTheCurrentOne) {
+TEST_F(HipRuntimeTest, FaultOfOperationWithoutDeviceUsesTheCurrentOne) {
   Install(WithFault(MachineWith(2), {"hipMemGetInfo", 1, {}, hipErrorUnknown}));
   std::size_t free = 7;
   std::size_t total = 7;
@@ -260,18 +262,18 @@ TEST_F(SimulatedRuntime, FaultOfAnOperationWithoutDeviceGoesByTheCurrentOne) {
   EXPECT_EQ(hipMemGetInfo(&free, &total), hipSuccess);
 }
 
-TEST_F(SimulatedRuntime, FaultStrikesTheCallOfItsNumber) {
+TEST_F(HipRuntimeTest, FaultFailsTheCallOfItsNumber) {
   Install(WithFault(MachineWith(2), {"hipMemGetInfo", 1, 2, hipErrorUnknown}));
   std::size_t free = 0;
   std::size_t total = 0;
-  EXPECT_EQ(hipMemGetInfo(&free, &total), hipSuccess) << "not on its device: not counted";
+  EXPECT_EQ(hipMemGetInfo(&free, &total), hipSuccess) << "on another device, so not counted";
   ASSERT_EQ(hipSetDevice(1), hipSuccess);
   EXPECT_EQ(hipMemGetInfo(&free, &total), hipSuccess);
   EXPECT_EQ(hipMemGetInfo(&free, &total), hipErrorUnknown);
   EXPECT_EQ(hipMemGetInfo(&free, &total), hipSuccess);
 }
 
-TEST_F(SimulatedRuntime, EveryFaultCountsWhatItMatches) {
+TEST_F(HipRuntimeTest, EveryFaultCountsItsMatchingCalls) {
   Machine machine = MachineWith(1);
   machine.faults = {{"hipGetDeviceCount", {}, 1, hipErrorNotReady},
                     {"hipGetDeviceCount", {}, 2, hipErrorUnknown}};
@@ -283,14 +285,14 @@ TEST_F(SimulatedRuntime, EveryFaultCountsWhatItMatches) {
   EXPECT_EQ(hipGetDeviceCount(&count), hipSuccess);
 }
 
-TEST_F(SimulatedRuntime, SetDeviceThatFailsChangesNothing) {
+TEST_F(HipRuntimeTest, FailingSetDeviceKeepsTheCurrentDevice) {
   Install(WithFault(MachineWith(3), {"hipSetDevice", 2, {}, hipErrorUnknown}));
   EXPECT_EQ(hipSetDevice(1), hipSuccess);
   EXPECT_EQ(hipSetDevice(2), hipErrorUnknown);
   EXPECT_EQ(CurrentDevice(), 1);
 }
 
-TEST_F(SimulatedRuntime, KeepsTheLastErrorOfTheThread) {
+TEST_F(HipRuntimeTest, LastErrorIsKeptForEachThread) {
   Install(MachineWith(1));
   EXPECT_EQ(hipPeekAtLastError(), hipSuccess);
   EXPECT_EQ(hipSetDevice(5), hipErrorInvalidDevice);
@@ -301,7 +303,7 @@ TEST_F(SimulatedRuntime, KeepsTheLastErrorOfTheThread) {
   EXPECT_EQ(hipGetLastError(), hipSuccess);
 }
 
-TEST_F(SimulatedRuntime, MallocAndFreeMoveTheFreeFigure) {
+TEST_F(HipRuntimeTest, MallocAndFreeChangeTheFreeFigure) {
   Install(MachineWith(2));
   const std::size_t free_before = FreeMemory();
   void* first = nullptr;
@@ -310,15 +312,15 @@ TEST_F(SimulatedRuntime, MallocAndFreeMoveTheFreeFigure) {
   ASSERT_EQ(hipMalloc(&second, 1), hipSuccess);
   EXPECT_EQ(FreeMemory(), free_before - kGiB - 1);
   ASSERT_EQ(hipSetDevice(1), hipSuccess);
-  EXPECT_EQ(FreeMemory(), 15 * kGiB) << "another device's is its own";
-  EXPECT_EQ(hipFree(first), hipSuccess) << "of the device that it was taken from";
+  EXPECT_EQ(FreeMemory(), 15 * kGiB) << "each device has its own";
+  EXPECT_EQ(hipFree(first), hipSuccess) << "allocated on device 0";
   ASSERT_EQ(hipSetDevice(0), hipSuccess);
   EXPECT_EQ(FreeMemory(), free_before - 1);
   EXPECT_EQ(hipFree(second), hipSuccess);
   EXPECT_EQ(FreeMemory(), free_before);
 }
 
-TEST_F(SimulatedRuntime, AllocationsDoNotOverlap) {
+TEST_F(HipRuntimeTest, AllocationsDoNotOverlap) {
   Install(MachineWith(1));
   void* first = nullptr;
   void* second = nullptr;
@@ -328,7 +330,7 @@ TEST_F(SimulatedRuntime, AllocationsDoNotOverlap) {
             reinterpret_cast<std::uintptr_t>(first) + 10000);
 }
 
-TEST_F(SimulatedRuntime, RefusesMoreMemoryThanIsFree) {
+TEST_F(HipRuntimeTest, MallocOfMoreThanIsFreeFails) {
   Install(MachineWith(1));
   void* memory = nullptr;
   EXPECT_EQ(hipMalloc(&memory, 7 * kGiB + 1), hipErrorOutOfMemory);
@@ -339,25 +341,25 @@ TEST_F(SimulatedRuntime, RefusesMoreMemoryThanIsFree) {
   EXPECT_EQ(FreeMemory(), 0U);
 }
 
-TEST_F(SimulatedRuntime, RefusesToFreeWhatItDidNotGive) {
+TEST_F(HipRuntimeTest, FreeOfUnknownAddressFails) {
   Install(MachineWith(1));
   int local = 0;
   EXPECT_EQ(hipFree(&local), hipErrorInvalidDevicePointer);
   void* memory = nullptr;
   ASSERT_EQ(hipMalloc(&memory, 1), hipSuccess);
   EXPECT_EQ(hipFree(memory), hipSuccess);
-  EXPECT_EQ(hipFree(memory), hipErrorInvalidDevicePointer) << "no longer";
+  EXPECT_EQ(hipFree(memory), hipErrorInvalidDevicePointer) << "already freed";
   EXPECT_EQ(hipFree(nullptr), hipSuccess);
 }
 
-TEST_F(SimulatedRuntime, GivesNoAddressForNoBytes) {
+TEST_F(HipRuntimeTest, MallocOfZeroBytesReturnsNull) {
   Install(MachineWith(1));
   void* memory = &memory;
   EXPECT_EQ(hipMalloc(&memory, 0), hipSuccess);
   EXPECT_EQ(memory, nullptr);
 }
 
-TEST_F(SimulatedRuntime, KeepsTheCurrentDeviceOfEachThread) {
+TEST_F(HipRuntimeTest, CurrentDeviceIsKeptForEachThread) {
   Install(MachineWith(3));
   ASSERT_EQ(hipSetDevice(2), hipSuccess);
   std::thread([] {
@@ -369,14 +371,14 @@ TEST_F(SimulatedRuntime, KeepsTheCurrentDeviceOfEachThread) {
   EXPECT_EQ(CurrentDevice(), 2);
 }
 
-TEST_F(SimulatedRuntime, InstallMakesDeviceZeroCurrent) {
+TEST_F(HipRuntimeTest, InstallMakesDeviceZeroCurrent) {
   Install(MachineWith(3));
   ASSERT_EQ(hipSetDevice(2), hipSuccess);
   Install(MachineWith(3));
   EXPECT_EQ(CurrentDevice(), 0);
 }
 
-TEST_F(SimulatedRuntime, ServesManyThreads) {
+TEST_F(HipRuntimeTest, CallsFromManyThreadsAreSerialized) {
   constexpr int kThreads = 8;
   constexpr int kRounds = 200;
   Install(MachineWith(kThreads));
@@ -399,3 +401,5 @@ TEST_F(SimulatedRuntime, ServesManyThreads) {
 }
 
 }  // namespace
+
+}  // namespace kestrel::tests
