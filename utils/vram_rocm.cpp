@@ -53,13 +53,14 @@ std::optional<std::uint64_t> TotalMemoryOf(int device, DiagnosticSink sink) noex
   return properties.totalGlobalMem;
 }
 
-// The statuses are not examined: a query that fails leaves the figure at 0.
+// 0 unless both calls succeed: if the first fails, the second answers for another device. Which HIP
+// calls a meter makes is fixed, so the second is made either way.
 std::uint64_t FreeMemoryOf(int device) noexcept {
   std::size_t free = 0;
   std::size_t total = 0;
-  static_cast<void>(Guarded([&] { return hipSetDevice(device); }));
-  static_cast<void>(Guarded([&] { return hipMemGetInfo(&free, &total); }));
-  return free;
+  const hipError_t selected = Guarded([&] { return hipSetDevice(device); });
+  const hipError_t queried = Guarded([&] { return hipMemGetInfo(&free, &total); });
+  return selected == hipSuccess && queried == hipSuccess ? free : 0;
 }
 
 }  // namespace

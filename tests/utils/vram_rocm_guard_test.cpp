@@ -78,7 +78,7 @@ TEST_F(VramRocmGuardTest, FailedPropertiesCountNothingThoughTheyWereWritten) {
 }
 
 TEST_F(VramRocmGuardTest, ExceptionOfAnyCallReadsAsNoFreeMemory) {
-  for (const char* operation : {"hipGetDeviceCount", "hipMemGetInfo"}) {
+  for (const char* operation : {"hipGetDeviceCount", "hipSetDevice", "hipMemGetInfo"}) {
     for (const auto action : {ThrowBadAlloc, ThrowRuntimeError, ThrowNumber}) {
       Hip().actions = {{operation, action}};
       EXPECT_EQ(getAvailableVRAM_ROCm(false), 0) << operation;
@@ -86,6 +86,24 @@ TEST_F(VramRocmGuardTest, ExceptionOfAnyCallReadsAsNoFreeMemory) {
     }
   }
   EXPECT_EQ(cerr_.text(), "");
+}
+
+TEST_F(VramRocmGuardTest, FailedCallReadsAsNoFreeMemoryThoughTheFigureWasWritten) {
+  for (const char* operation : {"hipSetDevice", "hipMemGetInfo"}) {
+    Hip().statuses = {{operation, hipErrorUnknown}};
+    Hip().calls.clear();
+    EXPECT_EQ(getAvailableVRAM_ROCm(false), 0) << operation;
+    EXPECT_EQ(Hip().calls, (Calls{"hipGetDeviceCount", "hipSetDevice", "hipMemGetInfo"}));
+    EXPECT_EQ(getAvailableVRAM_ROCm(true), 0) << operation;
+  }
+  EXPECT_EQ(cerr_.text(), "");
+}
+
+// Of the count only the figure is examined.
+TEST_F(VramRocmGuardTest, FailedCountThatWroteTheFigureIsUsedForFreeMemory) {
+  Hip().statuses["hipGetDeviceCount"] = hipErrorNotInitialized;
+  EXPECT_EQ(getAvailableVRAM_ROCm(false), 30);
+  EXPECT_EQ(getAvailableVRAM_ROCm(true), 60);
 }
 
 }  // namespace
