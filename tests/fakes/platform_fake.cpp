@@ -37,10 +37,8 @@ CpuidRegisters Cpuid(std::uint32_t leaf, std::uint32_t subleaf) noexcept {
   return found == Platform().cpuid.end() ? CpuidRegisters{} : found->second;
 }
 
-std::optional<std::uint32_t> LogicalProcessorCount() noexcept {
-  if (!Platform().Succeeds("LogicalProcessorCount")) {
-    return std::nullopt;
-  }
+std::uint32_t LogicalProcessorCount() noexcept {
+  Platform().Succeeds("LogicalProcessorCount");
   return Platform().logical_processors;
 }
 
