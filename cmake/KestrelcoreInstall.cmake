@@ -15,7 +15,7 @@ foreach(header IN LISTS kestrelcore_public_headers)
   install(FILES "${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrelcore/${folder}"
           COMPONENT development)
 endforeach()
-install(FILES "${PROJECT_BINARY_DIR}/include/kestrelcore_export.h"
+install(FILES "${kestrelcore_include_dir}/kestrelcore/kestrelcore_export.h"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrelcore" COMPONENT development)
 install(FILES LICENSE CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT runtime)
 if(NOT WIN32)

@@ -2,27 +2,35 @@
 
 include(GoogleTest)
 
-# Built from source, with this build's compiler and flags: the sanitizers and the cross compiler
-# need that.
-set(KESTRELCORE_GOOGLETEST_DIR "/usr/src/googletest" CACHE PATH "The sources of GoogleTest")
-if(NOT EXISTS "${KESTRELCORE_GOOGLETEST_DIR}/CMakeLists.txt")
-  message(FATAL_ERROR "The tests need the sources of GoogleTest. On Debian and Ubuntu install the "
-                      "package googletest, or set KESTRELCORE_GOOGLETEST_DIR.")
+# Debian's sources of GoogleTest come first: built with this build's compiler and flags, they suit
+# cross builds and sanitizers. Elsewhere an installed package is used, or a download.
+include(FetchContent)
+set(debian_googletest /usr/src/googletest)
+if(EXISTS "${debian_googletest}" AND NOT FETCHCONTENT_SOURCE_DIR_GOOGLETEST)
+  set(FETCHCONTENT_SOURCE_DIR_GOOGLETEST "${debian_googletest}")
 endif()
+FetchContent_Declare(
+  googletest
+  GIT_REPOSITORY https://github.com/google/googletest.git
+  GIT_TAG f8d7d77c06936315286eb55f8de22cd23c188571 # 1.14.0
+  SYSTEM
+  FIND_PACKAGE_ARGS NAMES GTest)
+set(CMAKE_POLICY_DEFAULT_CMP0077 NEW) # so that GoogleTest's options take the values set here
+set(BUILD_GMOCK OFF)
 set(INSTALL_GTEST OFF)
-add_subdirectory("${KESTRELCORE_GOOGLETEST_DIR}" "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL
-                 SYSTEM)
+FetchContent_MakeAvailable(googletest)
 
 # What test sources compile with. They link the library's objects, so nothing is imported.
 add_library(kestrelcore_test_common INTERFACE)
 target_compile_definitions(kestrelcore_test_common INTERFACE KESTRELCORE_STATIC_DEFINE)
-target_link_libraries(kestrelcore_test_common INTERFACE kestrelcore_common HIP::headers gtest)
+target_link_libraries(kestrelcore_test_common INTERFACE kestrelcore_common HIP::headers
+                                                      GTest::gtest)
 
 # One program, one ctest test a test case; PREFIX tells cases apart that several programs share.
 function(kestrelcore_add_test name)
   cmake_parse_arguments(arg "" "PREFIX" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
-  target_link_libraries(${name} PRIVATE kestrelcore_test_common gtest_main ${arg_LIBRARIES})
+  target_link_libraries(${name} PRIVATE kestrelcore_test_common GTest::gtest_main ${arg_LIBRARIES})
   gtest_discover_tests(
     ${name} TEST_PREFIX "${arg_PREFIX}" DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
     PROPERTIES TIMEOUT 120)

@@ -25,8 +25,9 @@ struct CpuidRegisters {
 // Executes CPUID on the calling thread's processor. Does not check that the leaf is supported.
 [[nodiscard]] CpuidRegisters Cpuid(std::uint32_t leaf, std::uint32_t subleaf) noexcept;
 
-// Logical processors in use by the operating system; at least 1.
-[[nodiscard]] std::uint32_t LogicalProcessorCount() noexcept;
+// Returns the number of logical processors that the operating system uses, at least 1; `nullopt` if
+// it cannot be read (on Windows it always can).
+[[nodiscard]] std::optional<std::uint32_t> LogicalProcessorCount() noexcept;
 
 struct MemoryStatus {
   std::uint64_t total_physical = 0;      // bytes

@@ -58,7 +58,8 @@ float PercentOfMachine(const Interval& interval) noexcept {
   return static_cast<float>(ConsumedSeconds(interval) / capacity * kPercent);
 }
 
-// Reports and returns `nullopt` if a sample fails or no time elapsed.
+// Reports and returns `nullopt` if a sample fails or no time elapsed. Returns it without a report if
+// the processors cannot be counted: there is no message for that.
 std::optional<Interval> Measure(const platform::Process& process, int pid, int split_ms,
                                 DiagnosticSink sink) noexcept {
   const auto first = process.Times();
@@ -74,7 +75,7 @@ std::optional<Interval> Measure(const platform::Process& process, int pid, int s
     return std::nullopt;
   }
   const std::int64_t end = platform::SteadyClockNanoseconds();
-  const std::uint32_t processor_count = platform::LogicalProcessorCount();
+  const auto processor_count = platform::LogicalProcessorCount();
   const double elapsed = static_cast<double>(end - start) / kNanosecondsPerSecond;
   if (!(elapsed > 0.0)) {
     (DiagnosticLine(sink) << "Total time elapsed while trying to calculation process '" << pid
@@ -82,7 +83,10 @@ std::optional<Interval> Measure(const platform::Process& process, int pid, int s
         .EndLine();
     return std::nullopt;
   }
-  return Interval{*first, *second, elapsed, processor_count};
+  if (!processor_count) {
+    return std::nullopt;
+  }
+  return Interval{*first, *second, elapsed, *processor_count};
 }
 
 }  // namespace

@@ -13,8 +13,9 @@ namespace kestrel_utils {
 /// the caller's own included.
 ///
 /// Returns -1.0 and writes one line to standard error when `pid` is below 1, no such process can
-/// be opened, one of its two samples fails, or no wall-clock time elapsed. A failed call returns at
-/// the step that failed. On Linux a zombie still counts as a process (it uses 0 percent), and a
+/// be opened, one of its two samples fails, or no wall-clock time elapsed. Returns -1.0 without a line
+/// when the logical processors cannot be counted: on Linux with only one file descriptor left, or
+/// without both "/sys" and /proc/stat. A failed call returns at the step that failed. On Linux a zombie still counts as a process (it uses 0 percent), and a
 /// thread's id does not; "/proc" must be mounted, and that of the caller's own
 /// process namespace.
 ///

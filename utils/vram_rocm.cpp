@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <optional>
 
 #include "utils/diagnostic_line.h"
@@ -12,15 +13,37 @@ namespace kestrel_utils {
 
 namespace {
 
-// The runtime's own words for a status; empty should it have none.
+// HIP's functions are C functions, yet the runtime lets its own C++ exceptions out of them, such as
+// std::bad_alloc when memory runs short. In a meter, which is noexcept, they would end the host. On
+// Windows only the exceptions of this library's own compiler can be caught.
+template <typename Call>
+hipError_t Guarded(Call call) noexcept {
+  try {
+    return call();
+  } catch (const std::bad_alloc&) {
+    return hipErrorOutOfMemory;
+  } catch (...) {
+    return hipErrorUnknown;
+  }
+}
+
+hipError_t DeviceCount(int& count) noexcept {
+  return Guarded([&] { return hipGetDeviceCount(&count); });
+}
+
+// The runtime's text for a status; empty if it has none.
 const char* ErrorText(hipError_t status) noexcept {
-  const char* text = hipGetErrorString(status);
+  const char* text = nullptr;
+  static_cast<void>(Guarded([&] {
+    text = hipGetErrorString(status);
+    return hipSuccess;
+  }));
   return text != nullptr ? text : "";
 }
 
 std::optional<std::uint64_t> TotalMemoryOf(int device, DiagnosticSink sink) noexcept {
   hipDeviceProp_t properties{};
-  const hipError_t status = hipGetDeviceProperties(&properties, device);
+  const hipError_t status = Guarded([&] { return hipGetDeviceProperties(&properties, device); });
   if (status != hipSuccess) {
     (DiagnosticLine(sink) << "hipGetDeviceProperties failed for device " << device << ": "
                           << ErrorText(status))
@@ -30,22 +53,23 @@ std::optional<std::uint64_t> TotalMemoryOf(int device, DiagnosticSink sink) noex
   return properties.totalGlobalMem;
 }
 
-// The statuses are not looked at: a query that fails leaves the figure at 0.
+// 0 unless both calls succeed: if the first fails, the second answers for another device. Which HIP
+// calls a meter makes is fixed, so the second is made either way.
 std::uint64_t FreeMemoryOf(int device) noexcept {
   std::size_t free = 0;
   std::size_t total = 0;
-  static_cast<void>(hipSetDevice(device));
-  static_cast<void>(hipMemGetInfo(&free, &total));
-  return free;
+  const hipError_t selected = Guarded([&] { return hipSetDevice(device); });
+  const hipError_t queried = Guarded([&] { return hipMemGetInfo(&free, &total); });
+  return selected == hipSuccess && queried == hipSuccess ? free : 0;
 }
 
 }  // namespace
 
-// Sums are unsigned, so that a runtime's nonsense figures wrap rather than overflow.
+// Sums are unsigned, so that nonsense figures of a runtime wrap instead of overflowing.
 
 long long getMachinePhysicalVRAM_ROCm(bool allDevices, DiagnosticSink sink) noexcept {
   int count = 0;
-  const hipError_t status = hipGetDeviceCount(&count);
+  const hipError_t status = DeviceCount(count);
   if (status != hipSuccess) {
     (DiagnosticLine(sink) << "hipGetDeviceCount failed: " << ErrorText(status)).EndLine();
     return 0;
@@ -67,7 +91,7 @@ long long getMachinePhysicalVRAM_ROCm(bool allDevices, DiagnosticSink sink) noex
 
 long long getAvailableVRAM_ROCm(bool allDevices) noexcept {
   int count = 0;
-  static_cast<void>(hipGetDeviceCount(&count));
+  static_cast<void>(DeviceCount(count));
   if (count < 1) {
     return 0;
   }

@@ -29,7 +29,7 @@ CpuidRegisters Cpuid(std::uint32_t leaf, std::uint32_t subleaf) noexcept {
 #endif
 }
 
-std::uint32_t LogicalProcessorCount() noexcept {
+std::optional<std::uint32_t> LogicalProcessorCount() noexcept {
   SYSTEM_INFO info{};
   GetSystemInfo(&info);
   return info.dwNumberOfProcessors;

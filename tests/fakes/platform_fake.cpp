@@ -37,8 +37,10 @@ CpuidRegisters Cpuid(std::uint32_t leaf, std::uint32_t subleaf) noexcept {
   return found == Platform().cpuid.end() ? CpuidRegisters{} : found->second;
 }
 
-std::uint32_t LogicalProcessorCount() noexcept {
-  Platform().Succeeds("LogicalProcessorCount");
+std::optional<std::uint32_t> LogicalProcessorCount() noexcept {
+  if (!Platform().Succeeds("LogicalProcessorCount")) {
+    return std::nullopt;
+  }
   return Platform().logical_processors;
 }
 

@@ -210,5 +210,10 @@ TEST_F(CpuUsageTest, ThrowingStreamOfTheHostIsContained) {
   EXPECT_EQ(cerr_.failed_writes(), 1);
 }
 
+TEST_F(CpuUsageTest, UnknownProcessorCountFailsWithoutMessage) {
+  Platform().Fail("LogicalProcessorCount");
+  EXPECT_EQ(ExpectSilent(4711, 500), -1.0F);
+}
+
 }  // namespace
 }  // namespace kestrel::tests

@@ -192,14 +192,23 @@ TEST_F(VramRocmTest, FreeOfADeviceZeroThatFailsIsZeroAndSilent) {
   EXPECT_EQ(cerr_.text(), "");
 }
 
-// The status of hipSetDevice is not looked at: the query then answers for the device that is
-// current.
-TEST_F(VramRocmTest, AFailingSetDeviceDoesNotStopTheQuery) {
+// The query then answers for device 0, which is still current.
+TEST_F(VramRocmTest, DeviceThatCannotBeSelectedAddsNothing) {
   Machine machine = MachineWith(2);
-  machine.faults = {{"hipSetDevice", {}, {}, hipErrorUnknown}};
+  machine.faults = {{"hipSetDevice", 1, {}, hipErrorUnknown}};
   Install(machine);
-  EXPECT_EQ(getAvailableVRAM_ROCm(true), 2LL << 20);
-  EXPECT_EQ(RecordedCalls().size(), 5U);
+  EXPECT_EQ(getAvailableVRAM_ROCm(true), 1LL << 20);
+  EXPECT_EQ(RecordedCalls(), (Calls{"hipGetDeviceCount()", "hipSetDevice(0)", "hipMemGetInfo()",
+                                    "hipSetDevice(1)", "hipMemGetInfo()"}));
+}
+
+TEST_F(VramRocmTest, FigureOfTheCurrentDeviceIsNotTakenForThatOfDeviceZero) {
+  Machine machine = MachineWith(2);
+  machine.faults = {{"hipSetDevice", 0, {}, hipErrorUnknown}};
+  Install(machine);
+  static_cast<void>(hipSetDevice(1));
+  EXPECT_EQ(getAvailableVRAM_ROCm(false), 0);
+  EXPECT_EQ(cerr_.text(), "");
 }
 
 TEST_F(VramRocmTest, FreeWithoutDevicesIsZeroAndSilent) {

@@ -114,6 +114,16 @@ TEST(BadEnvironmentTest, WithoutDescriptorsOnlyTheTotalIsReported) {
   EXPECT_NE(outcome.diagnostics.find("\nFailed to get global memory status.\n"), std::string::npos);
 }
 
+// The open process takes it, so the processors cannot be counted.
+TEST(BadEnvironmentTest, WithOneDescriptorCpuUsageFails) {
+  const Outcome outcome = RunApart([] {
+    LeaveDescriptors(1);
+    Require(GetCpuUsage(getpid(), 0) == -1.0F, "CPU usage was measured");
+  });
+  EXPECT_TRUE(outcome.ran);
+  EXPECT_EQ(outcome.diagnostics, "");
+}
+
 TEST(BadEnvironmentTest, DeadPidIsReported) {
   ChildProcess child([] {});
   child.KillAndReap();

@@ -3,6 +3,7 @@
 #include <sched.h>
 #include <signal.h>
 #include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -120,6 +121,15 @@ Outcome RunApart(const std::function<void()>& body) {
   close(ends[0]);
   outcome.ran = AwaitStatus(pid) == 0;
   return outcome;
+}
+
+void LeaveDescriptors(unsigned count) {
+  const int next = dup(STDERR_FILENO);
+  Check(next >= 0, "dup");
+  close(next);
+  const rlim_t limit = static_cast<rlim_t>(next) + count;
+  const rlimit limits{limit, limit};
+  Check(setrlimit(RLIMIT_NOFILE, &limits) == 0, "setrlimit");
 }
 
 Outcome RunInOwnNamespaces(const std::function<void()>& body) {

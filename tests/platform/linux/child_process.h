@@ -38,6 +38,10 @@ struct Outcome {
 // throws or crashes.
 Outcome RunApart(const std::function<void()>& body);
 
+// Lowers the limit of file descriptors so that this process can open `count` more. Throws if that
+// fails.
+void LeaveDescriptors(unsigned count);
+
 // Runs `body` as process 1 of a new process namespace with a "/proc" of its own; its mounts are
 // visible in that namespace alone. Needs root, or permission to create user namespaces.
 Outcome RunInOwnNamespaces(const std::function<void()>& body);

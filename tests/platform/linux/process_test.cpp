@@ -4,7 +4,6 @@
 #include <signal.h>
 #include <sys/mount.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -154,14 +153,9 @@ TEST(LinuxProcessTest, ProcessWithoutFirstThreadIsMeasuredInFull) {
 TEST(LinuxProcessTest, ProcessWhoseThreadsCannotBeOpenedReturnsNoFigure) {
   const ChildProcess child(LiveWithoutFirstThread);
   child.AwaitFirstThreadsEnd();
-  for (const rlim_t left : {1, 2}) {
+  for (const unsigned left : {1U, 2U}) {
     const auto outcome = RunApart([&child, left] {
-      const int next = dup(0);
-      close(next);
-      const rlimit limit{static_cast<rlim_t>(next) + left, static_cast<rlim_t>(next) + left};
-      if (setrlimit(RLIMIT_NOFILE, &limit) != 0) {
-        throw std::runtime_error("setrlimit");
-      }
+      LeaveDescriptors(left);
       const auto process = Process::Open(child.pid(), ProcessRights::kMemory);
       if (!process || process->ResidentBytes()) {
         throw std::runtime_error("a figure was returned");

@@ -1,0 +1,64 @@
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+
+#include "platform/platform.h"
+#include "tests/platform/linux/child_process.h"
+
+namespace kestrel::tests {
+namespace {
+
+using platform::LogicalProcessorCount;
+
+void Cover(const char* folder) {
+  if (mount(nullptr, folder, nullptr, MS_PRIVATE, nullptr) != 0 ||
+      mount("none", folder, "tmpfs", 0, nullptr) != 0) {
+    throw std::runtime_error("mount");
+  }
+}
+
+void RequireCount(const std::optional<std::uint32_t>& expected) {
+  if (LogicalProcessorCount() != expected) {
+    throw std::runtime_error("another number of processors");
+  }
+}
+
+TEST(LinuxProcessorTest, AffinityOfTheThreadDoesNotChangeTheCount) {
+  const auto count = LogicalProcessorCount();
+  const Outcome outcome = RunApart([&count] {
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    CPU_SET(sched_getcpu(), &one);
+    if (sched_setaffinity(0, sizeof(one), &one) != 0) {
+      throw std::runtime_error("sched_setaffinity");
+    }
+    RequireCount(count);
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
+TEST(LinuxProcessorTest, WithoutSysTheCountIsTheSame) {
+  const auto count = LogicalProcessorCount();
+  ASSERT_TRUE(count);
+  const Outcome outcome = RunInOwnNamespaces([&count] {
+    Cover("/sys");
+    RequireCount(count);
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
+TEST(LinuxProcessorTest, WithoutSysAndProcThereIsNoCount) {
+  const Outcome outcome = RunInOwnNamespaces([] {
+    Cover("/sys");
+    Cover("/proc");
+    RequireCount(std::nullopt);
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
+}  // namespace
+}  // namespace kestrel::tests
