@@ -12,16 +12,15 @@ namespace kestrel::platform {
 
 namespace {
 
-// Memory is charged to the group of the process's first thread, which version 1 allows to be
-// another than the calling thread's. Once the first thread has ended while others run, its group
-// reads as "/", and its mounts and namespaces do not read at all; then the calling thread's are
-// taken.
+// The kernel charges memory to the group of the process's first thread; in version 1 the calling
+// thread may be in another group. Once the first thread has ended while others run, its group reads
+// as "/", and reading its mounts and namespaces fails. The calling thread's files still work then.
 constexpr std::string_view kGroupsFile = "/proc/self/cgroup";
 constexpr std::string_view kThreadsGroupsFile = "/proc/thread-self/cgroup";
 constexpr std::string_view kMountsFile = "/proc/thread-self/mountinfo";
 constexpr const char* kNamespaceFile = "/proc/thread-self/ns/cgroup";
 
-// Takes the text up to the separator off the front, and the separator with it.
+// Removes the text up to and including the separator, and returns it without the separator.
 std::string_view TakeField(std::string_view& text, char separator) noexcept {
   const std::size_t length = std::min(text.find(separator), text.size());
   const std::string_view field = text.substr(0, length);
@@ -40,7 +39,7 @@ bool Lists(std::string_view items, std::string_view item) noexcept {
 
 bool IsAbsolute(std::string_view path) noexcept { return path.substr(0, 1) == "/"; }
 
-// With the root as "", every path is a (possibly empty) sequence of "/name".
+// With the root as "", every path is a sequence of zero or more "/name".
 std::string_view WithoutRootSlash(std::string_view path) noexcept {
   return path == "/" ? std::string_view() : path;
 }
@@ -50,8 +49,9 @@ struct OwnGroup {
   PathBuffer path;
 };
 
-// Whether there is one. Lines are "4:cpu,memory:/path" for version 1 and "0::/path" for version 2
-// (cgroups(7)). The path may hold colons, but no newline, and nothing in it is escaped.
+// Returns false if the file names no memory group. Lines are "4:cpu,memory:/path" for version 1 and
+// "0::/path" for version 2 (cgroups(7)). The path may contain colons, but no newlines, and is not
+// escaped.
 bool ReadGroup(std::string_view root, std::string_view groups_file, OwnGroup& own) noexcept {
   PathBuffer file;
   if (!file.Append(root) || !file.Append(groups_file)) {
@@ -79,7 +79,7 @@ bool ReadOwnGroup(std::string_view root, OwnGroup& own) noexcept {
 }
 
 struct Mount {
-  std::string_view root;   // the group that is seen at the mount point
+  std::string_view root;   // the group that is visible at the mount point
   std::string_view point;  // both still escaped
 };
 
@@ -113,8 +113,8 @@ std::optional<Mount> ParseMemoryMount(std::string_view line, CgroupVersion versi
 
 bool IsOctal(char digit) noexcept { return digit >= '0' && digit <= '7'; }
 
-// Mount tables write blanks, tabs, newlines and backslashes as a backslash and three octal digits.
-// Unit names are full of backslashes ("a\x2db.slice"), so this is no rarity.
+// In mount tables blanks, tabs, newlines and backslashes are written as a backslash and three octal
+// digits. This is common: systemd's unit names contain backslashes ("a\x2db.slice").
 char TakeUnescaped(std::string_view& text) noexcept {
   if (text.size() >= 4 && text[0] == '\\' && IsOctal(text[1]) && IsOctal(text[2]) &&
       IsOctal(text[3])) {
@@ -141,7 +141,7 @@ bool LeadsOutOf(std::string_view path) noexcept {
   return path.substr(0, 4) == "/../" || path == "/..";
 }
 
-// Whether the path is nothing but steps out of the cgroup namespace.
+// Whether the path consists of steps out of the cgroup namespace alone: "", "/..", "/../..".
 bool IsAboveNamespace(std::string_view path) noexcept {
   while (LeadsOutOf(path)) {
     path.remove_prefix(3);
@@ -149,11 +149,11 @@ bool IsAboveNamespace(std::string_view path) noexcept {
   return path.empty();
 }
 
-// The group's path as seen from the mount's root; nothing if the mount does not show the group.
-// Both paths are relative to the root of the reader's cgroup namespace, and lead out of it by
-// "/..". What remains of that after the mount's root is outside the mount. A mount from above the
-// namespace shows an ancestor of every group inside; the names from there on are not known, so that
-// ancestor has to do.
+// Returns the group's path relative to the mount's root, or nullopt if the mount does not show the
+// group. Both paths are relative to the root of the reader's cgroup namespace and leave it by
+// "/.."; a "/.." that remains after the mount's root leaves the mount. A mount whose root is above
+// the namespace shows an ancestor of every group inside. The names of the groups between are not
+// known, so the result is that ancestor.
 std::optional<std::string_view> PathBelow(std::string_view mount_root,
                                           std::string_view group) noexcept {
   if (LeadsOutOf(mount_root) && IsAboveNamespace(mount_root) && !LeadsOutOf(group)) {
@@ -174,15 +174,15 @@ bool Place(MemoryCgroup& group, std::string_view root, std::string_view escaped_
   if (!group.directory.Append(root) || !AppendUnescaped(group.directory, escaped_mount_point)) {
     return false;
   }
-  group.top = group.directory.view().size();
+  group.top_length = group.directory.view().size();
   return group.directory.Append(below);
 }
 
-// Most machines mount the whole hierarchy at its usual place, and a process outside containers is
-// in the machine's first cgroup namespace, so that its group's path is the one below that place. To
-// see that takes a tenth of the time in which the kernel writes the mount table.
+// Most machines mount the whole hierarchy at its usual place. A process outside containers is in
+// the machine's first cgroup namespace, so its group's path is relative to that place. Checking
+// both takes a tenth of the time in which the kernel writes the mount table.
 bool ShowsWholeHierarchy(const char* point, CgroupVersion version) noexcept {
-  constexpr ino_t kTopOfHierarchy = 1;           // fs/kernfs/dir.c counts its nodes from there
+  constexpr ino_t kTopOfHierarchy = 1;           // fs/kernfs/dir.c numbers its nodes from 1
   constexpr ino_t kFirstNamespace = 0xEFFFFFFB;  // PROC_CGROUP_INIT_INO, include/linux/proc_ns.h
   struct statfs file_system {};
   struct stat top {};
@@ -203,8 +203,8 @@ std::optional<MemoryCgroup> FindAtUsualPlace(const OwnGroup& own) noexcept {
   return group;
 }
 
-// Several mounts may show the group: the one that shows the most of its path, and with it the most
-// ancestors, is wanted. Container runtimes mount only a part of the hierarchy.
+// Several mounts may show the group, as container runtimes mount only a part of the hierarchy. The
+// one that shows the longest part of the group's path, and so the most ancestors, is chosen.
 std::optional<MemoryCgroup> FindInMountTable(std::string_view root, const OwnGroup& own) noexcept {
   PathBuffer file;
   if (!file.Append(root) || !file.Append(kMountsFile)) {
@@ -224,7 +224,7 @@ std::optional<MemoryCgroup> FindInMountTable(std::string_view root, const OwnGro
     best = group;
     most_shown = below->size();
     if (most_shown == own.path.view().size()) {
-      break;  // nothing can show more
+      break;
     }
   }
   return best;
@@ -232,7 +232,8 @@ std::optional<MemoryCgroup> FindInMountTable(std::string_view root, const OwnGro
 
 }  // namespace
 
-// The usual place is the running kernel's; a recorded machine has only files.
+// The usual place can be checked on this machine only; the files of another are not a mounted
+// hierarchy.
 std::optional<MemoryCgroup> FindMemoryCgroup(std::string_view root) noexcept {
   OwnGroup own;
   if (!ReadOwnGroup(root, own)) {

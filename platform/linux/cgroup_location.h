@@ -9,20 +9,20 @@
 
 namespace kestrel::platform {
 
-// The two interfaces to memory groups (cgroups(7)). Where both are mounted, the memory controller
-// is in one of them.
+// The two interfaces to memory groups (cgroups(7)). Where both are mounted, only one of them has
+// the memory controller.
 enum class CgroupVersion : std::uint8_t { kV1, kV2 };
 
-// Where the memory group of a process can be read.
+// Where the files of a process's memory group are.
 struct MemoryCgroup {
   CgroupVersion version = CgroupVersion::kV2;
-  PathBuffer directory;  // the group's own
-  std::size_t top = 0;  // as many of the directory's first bytes name the topmost ancestor in sight
+  PathBuffer directory;
+  std::size_t top_length = 0;  // length of the path prefix that names the topmost visible ancestor
 };
 
-// The memory group to which the memory of this process is charged. Nothing if there is none, no
-// mount shows it, or a path is too long. All files are looked for below `root`: empty, or a
-// directory with a recorded machine.
+// Finds the memory group to which the kernel charges the memory of this process. Returns nullopt if
+// there is none, no mount shows it, or a path is too long. All files are read below `root`: "" for
+// this machine, or a directory that holds the files of another.
 [[nodiscard]] std::optional<MemoryCgroup> FindMemoryCgroup(std::string_view root) noexcept;
 
 }  // namespace kestrel::platform

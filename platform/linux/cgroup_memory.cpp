@@ -23,7 +23,7 @@ std::optional<std::string_view> ReadFile(PathBuffer& directory, std::string_view
   return text;
 }
 
-// A file that holds one number; nothing if it holds anything else, as in "max".
+// Returns nullopt if the file cannot be read or holds anything but one number ("max", for example).
 std::optional<std::uint64_t> ReadNumber(PathBuffer& directory, std::string_view name) noexcept {
   std::array<char, 32> buffer;
   auto text = ReadFile(directory, name, buffer.data(), buffer.size());
@@ -31,8 +31,8 @@ std::optional<std::uint64_t> ReadNumber(PathBuffer& directory, std::string_view 
   return number && *text == "\n" ? number : std::nullopt;
 }
 
-// Version 1 writes "no limit" as the last whole page below 2^63, 9223372036854771712 with pages of
-// 4 KiB. No machine has half of that.
+// Version 1 writes "no limit" as the last whole page below 2^63, which is 9223372036854771712 with
+// pages of 4 KiB. Limits of 2^62 and above therefore count as none; no machine has that much RAM.
 std::optional<std::uint64_t> ReadLimit(PathBuffer& directory, std::string_view name) noexcept {
   constexpr std::uint64_t kNoLimit = std::uint64_t{1} << 62;
   const auto limit = ReadNumber(directory, name);
@@ -54,10 +54,11 @@ std::uint64_t SaturatingSubtract(std::uint64_t left, std::uint64_t right) noexce
   return left - std::min(left, right);
 }
 
-// What the kernel takes back before it lets an allocation fail, and so counts as good as free: the
-// file pages on both reclaim lists, dirty ones too, as it writes those out first. Pages of tmpfs
-// and shared memory are not among them (they can only be swapped), nor are locked ones. Slab is
-// told apart by version 2 only, where it may be large: each file looked at leaves some.
+// The memory that the kernel reclaims before an allocation fails, and which therefore counts as
+// free: the file pages on both LRU lists, including dirty ones, which it writes out first. Pages of
+// tmpfs and shared memory are on the anonymous lists, as they can only be swapped; locked pages are
+// on a list of their own. Version 2 also reports reclaimable slab, which can be large, since each
+// file that is opened leaves some. Returns nullopt if the figures cannot be read.
 std::optional<std::uint64_t> ReadReclaimable(MemoryCgroup& group) noexcept {
   std::array<char, 4096> buffer;  // a page, in which the kernel writes it in one piece
   const auto text = ReadFile(group.directory, "memory.stat", buffer.data(), buffer.size());
@@ -74,14 +75,15 @@ std::optional<std::uint64_t> ReadReclaimable(MemoryCgroup& group) noexcept {
   return SaturatingAdd(SaturatingAdd(*inactive, *active), slab.value_or(0));
 }
 
-// Usage falls as far as the reclaimable part of it at most; a limit may be below it.
+// Reclaim lowers the usage by `reclaimable` at most. The usage may exceed the limit, if the limit
+// was lowered.
 std::uint64_t Headroom(std::uint64_t limit, std::uint64_t usage,
                        std::uint64_t reclaimable) noexcept {
   return SaturatingSubtract(limit, SaturatingSubtract(usage, reclaimable));
 }
 
-// memory.high and memory.swap.high are no limits: above them a process is slowed down, but gets
-// what it asks for. memory.max and memory.swap.max are.
+// Only memory.max and memory.swap.max are limits. A process above memory.high or memory.swap.high
+// is slowed down, but its allocations succeed.
 void NarrowByV2(MemoryCgroup& group, bool with_swap, CgroupRoom& room) noexcept {
   PathBuffer& directory = group.directory;
   const auto limit = ReadLimit(directory, "memory.max");
@@ -97,14 +99,14 @@ void NarrowByV2(MemoryCgroup& group, bool with_swap, CgroupRoom& room) noexcept 
   }
 }
 
-// A group with memory.use_hierarchy 0 does not count what its children use, so its limit is not
-// theirs (kernels before 5.11; later ones always write 1).
+// With memory.use_hierarchy 0 a group's usage leaves out its children, so its limit does not bind
+// them. Kernels from 5.11 on always write 1.
 bool CountsChildren(PathBuffer& directory) noexcept {
   return ReadNumber(directory, "memory.use_hierarchy") != 0U;
 }
 
-// "memsw" is memory and swap in one counter. The kernel keeps its limit no lower than that of
-// memory alone, so a group without the one has not the other. It need not be there at all.
+// "memsw" counts memory and swap together. The kernel keeps its limit at or above the memory limit:
+// no memory limit implies no memsw limit. The memsw files may be missing.
 void NarrowByV1(MemoryCgroup& group, bool is_own, CgroupRoom& room) noexcept {
   PathBuffer& directory = group.directory;
   const auto limit = ReadLimit(directory, "memory.limit_in_bytes");
@@ -121,28 +123,30 @@ void NarrowByV1(MemoryCgroup& group, bool is_own, CgroupRoom& room) noexcept {
   const auto both_usage =
       both_limit ? ReadNumber(directory, "memory.memsw.usage_in_bytes") : std::nullopt;
   if (both_usage) {
-    room.together = std::min(room.together, Headroom(*both_limit, *both_usage, *reclaimable));
+    room.memory_and_swap =
+        std::min(room.memory_and_swap, Headroom(*both_limit, *both_usage, *reclaimable));
   }
 }
 
-// Goes on to the parent group; false at the topmost in sight.
+// Moves on to the parent group; returns false at the topmost visible one.
 bool StepUp(MemoryCgroup& group) noexcept {
   const std::string_view path = group.directory.view();
-  if (path.size() <= group.top) {
+  if (path.size() <= group.top_length) {
     return false;
   }
   group.directory.Truncate(path.rfind('/'));
   return true;
 }
 
-// With swappiness 0 nothing is swapped on behalf of a group at its limit: it is killed with all
-// swap still free. A machine that runs out of RAM swaps nevertheless.
+// With swappiness 0 the kernel swaps nothing for a group at its limit: processes are killed
+// although swap is free. A machine that runs out of RAM swaps nevertheless. Version 2 has one
+// setting for the whole machine.
 bool SwapsWhenFull(std::string_view root, const MemoryCgroup& own) noexcept {
   PathBuffer directory = own.directory;
   if (own.version == CgroupVersion::kV1) {
     return ReadNumber(directory, "memory.swappiness") != 0U;
   }
-  directory.Truncate(root.size());  // one setting for the whole machine
+  directory.Truncate(root.size());
   return ReadNumber(directory, "proc/sys/vm/swappiness") != 0U;
 }
 

@@ -6,20 +6,20 @@
 
 namespace kestrel::platform {
 
-// What the memory groups (cgroups(7)) of a process leave it, in bytes: the smallest over its own
-// group and all ancestors in sight.
+// How much more the memory groups (cgroups(7)) of a process allow it, in bytes. Each figure is the
+// smallest over the process's own group and all of its visible ancestors.
 struct CgroupRoom {
   static constexpr std::uint64_t kUnlimited = std::numeric_limits<std::uint64_t>::max();
 
-  std::uint64_t physical = kUnlimited;  // RAM
-  std::uint64_t swap = kUnlimited;      // swap; version 2 limits it by itself
-  std::uint64_t together = kUnlimited;  // RAM and swap in one figure; so version 1 limits it
-  bool swaps_when_full = true;          // whether swap is used once the physical room is
+  std::uint64_t physical = kUnlimited;         // RAM
+  std::uint64_t swap = kUnlimited;             // swap alone; limited by version 2
+  std::uint64_t memory_and_swap = kUnlimited;  // RAM and swap in one counter; limited by version 1
+  bool swaps_when_full = true;  // whether the kernel swaps once `physical` is used up
 };
 
-// Reads the room that is left now; unlimited is whatever cannot be read. What concerns swap alone
-// is looked at only `with_swap`. All files are looked for below `root`: empty, or a
-// directory with a recorded machine.
+// Reads the room left now. Values that cannot be read count as unlimited. The swap figures are read
+// only `with_swap`. All files are read below `root`: "" for this machine, or a directory that holds
+// the files of another.
 [[nodiscard]] CgroupRoom ReadCgroupRoom(std::string_view root, bool with_swap) noexcept;
 
 }  // namespace kestrel::platform

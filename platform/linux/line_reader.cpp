@@ -10,8 +10,8 @@ namespace kestrel::platform {
 
 namespace {
 
-// The kernel writes such a text while it is read, and no more than was asked for: whoever finds an
-// early line should not have paid for the late ones.
+// The kernel generates such a text while it is read, and no more than was asked for. Small reads
+// keep a search short that ends at an early line.
 constexpr std::size_t kReadSize = 1024;
 constexpr int kMaximumReads = 1024;
 
@@ -29,7 +29,7 @@ std::optional<std::string_view> LineReader::Next() noexcept {
       if (!in_long_line_) {
         return text.substr(0, length);
       }
-      in_long_line_ = false;  // this was its end
+      in_long_line_ = false;  // the line ends here
     } else if (!Refill()) {
       return std::nullopt;
     }

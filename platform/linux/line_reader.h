@@ -9,25 +9,25 @@
 
 namespace kestrel::platform {
 
-// The lines of a text file of any length, one at a time through a buffer of fixed size.
+// Reads a text file of any length line by line, through a buffer of fixed size.
 class LineReader {
  public:
-  // What a line and its newline must fit into.
+  // The longest line, with its newline.
   static constexpr std::size_t kCapacity = 2048;
 
   explicit LineReader(const char* path) noexcept;
 
-  // The next line without its newline, valid until the next call. Nothing at the end, at a failure
-  // (a file that cannot be opened has no lines), and after a mebibyte. Lines that exceed the buffer
-  // are left out, and so is a last one without a newline.
+  // Returns the next line without its newline, valid until the next call. Returns nullopt at the
+  // end of the file, after a failure (a file that cannot be opened has no lines), and after 1 MiB.
+  // Lines longer than the buffer are skipped, and so is a last line without a newline.
   [[nodiscard]] std::optional<std::string_view> Next() noexcept;
 
  private:
-  // Whether there is more text now.
+  // Returns false if no more text could be read.
   bool Refill() noexcept;
 
   FileDescriptor file_;
-  std::array<char, kCapacity> buffer_;  // the text from begin_ to end_ is still to be given out
+  std::array<char, kCapacity> buffer_;  // the text from begin_ to end_ is unread
   std::size_t begin_ = 0;
   std::size_t end_ = 0;
   bool in_long_line_ = false;

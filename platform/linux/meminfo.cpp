@@ -9,9 +9,9 @@ namespace kestrel::platform {
 
 namespace {
 
-constexpr std::uint64_t kKibibyte = 1024;  // what the kernel's "kB" means
+constexpr std::uint64_t kKibibyte = 1024;  // the kernel writes "kB" for it
 
-// False if the line is missing or makes no sense.
+// Returns false if the line is missing or malformed.
 bool ParseFigure(std::string_view text, std::string_view name, std::uint64_t& bytes) noexcept {
   auto rest = FindLine(text, name);
   if (!rest) {
@@ -27,7 +27,7 @@ bool ParseFigure(std::string_view text, std::string_view name, std::uint64_t& by
   return true;
 }
 
-// Likewise, but a missing line leaves the figure as it is.
+// Like ParseFigure, but a missing line is no error and leaves `bytes` unchanged.
 bool ParseOptionalFigure(std::string_view text, std::string_view name,
                          std::uint64_t& bytes) noexcept {
   return !FindLine(text, name) || ParseFigure(text, name, bytes);

@@ -7,7 +7,7 @@
 
 namespace kestrel::platform {
 
-// The figures of /proc/meminfo that a memory status is made of, in bytes (proc(5)).
+// The figures of /proc/meminfo (proc_meminfo(5)) that the memory status needs, in bytes.
 struct Meminfo {
   std::uint64_t total = 0;                                                 // MemTotal
   std::uint64_t available = 0;                                             // MemAvailable
@@ -16,9 +16,10 @@ struct Meminfo {
   std::uint64_t committed = 0;                                             // Committed_AS
 };
 
-// Nothing unless every figure stands there as the kernel writes it ("Name: <number> kB" on a line
-// of its own), fits 64 bits, and no more is available than there is. The two about commitment may
-// be missing, for no limit: sandboxes that stand in for the kernel leave them out.
+// Returns nullopt unless every figure is on a line of its own in the kernel's format
+// ("Name: <number> kB") and fits in 64 bits, and MemAvailable does not exceed MemTotal. CommitLimit
+// and Committed_AS may be missing, which means no limit: sandboxes that implement the kernel's
+// interface in user space leave them out.
 [[nodiscard]] std::optional<Meminfo> ParseMeminfo(std::string_view text) noexcept;
 
 }  // namespace kestrel::platform

@@ -9,13 +9,14 @@
 
 namespace kestrel::platform {
 
-// Whether the kernel promises only what it can keep: vm.overcommit_memory 2 (proc_sys_vm(5)).
+// Whether the text is that of vm.overcommit_memory in mode 2 (proc_sys_vm(5)), in which the kernel
+// refuses to commit more than its commit limit.
 [[nodiscard]] bool IsStrictOvercommit(std::string_view overcommit_memory) noexcept;
 
-// What Linux figures mean in the terms of the seam. The available RAM is the machine's or what the
-// process's memory groups leave, whichever is less; beyond it there is the swap left, likewise.
-// Under strict overcommit there is the rest of the commit limit instead, which also bounds the
-// RAM: what cannot be committed cannot be had. The total is always the machine's.
+// Expresses the Linux figures in the terms of platform.h. The available RAM is the smaller of the
+// machine's and the room in the process's memory groups. What can be committed beyond it is the
+// swap left, again the smaller of the two. Under strict overcommit it is the rest of the commit
+// limit instead, and that rest also bounds the available RAM. The total is always the machine's.
 [[nodiscard]] MemoryStatus ToMemoryStatus(const Meminfo& meminfo, bool strict_overcommit,
                                           const CgroupRoom& room = {}) noexcept;
 

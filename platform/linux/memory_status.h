@@ -7,8 +7,9 @@
 
 namespace kestrel::platform {
 
-// The memory status of the machine whose files lie below `root`: empty for this one, or a
-// directory with a recorded one.
+// Reads the memory status of the machine whose files are below `root`: "" for this machine, or a
+// directory that holds the files of another. Returns nullopt if "/proc/meminfo" there cannot be
+// read or is incomplete.
 [[nodiscard]] std::optional<MemoryStatus> ReadMemoryStatus(std::string_view root) noexcept;
 
 }  // namespace kestrel::platform

@@ -7,16 +7,16 @@
 
 namespace kestrel::platform {
 
-// A path put together piece by piece, without heap memory.
+// A path that is built piece by piece, without heap memory.
 class PathBuffer {
  public:
-  // With the closing NUL. A quarter of what Linux opens (PATH_MAX), and twice what container
-  // runtimes build: threads of a host may have little stack.
+  // Includes the terminating NUL. Linux accepts four times as much (PATH_MAX), but the threads of a
+  // host may have little stack, and container runtimes build paths of at most half this length.
   static constexpr std::size_t kCapacity = 1024;
 
   PathBuffer() noexcept { text_[0] = '\0'; }
 
-  // False, and the path unchanged, if the piece does not fit.
+  // Returns false, and leaves the path unchanged, if the piece does not fit.
   [[nodiscard]] bool Append(std::string_view piece) noexcept {
     if (piece.size() >= text_.size() - size_) {
       return false;
@@ -26,7 +26,7 @@ class PathBuffer {
     return true;
   }
 
-  // Back to the first `size` bytes; no more than there are.
+  // Keeps the first `size` bytes; `size` must not exceed the current size.
   void Truncate(std::size_t size) noexcept {
     size_ = size;
     text_[size_] = '\0';
@@ -36,7 +36,7 @@ class PathBuffer {
   [[nodiscard]] const char* c_str() const noexcept { return text_.data(); }
 
  private:
-  std::array<char, kCapacity> text_;  // as much of it as is used
+  std::array<char, kCapacity> text_;  // only the used part and its NUL are initialised
   std::size_t size_ = 0;
 };
 
