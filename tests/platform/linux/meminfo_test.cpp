@@ -4,8 +4,10 @@
 
 #include <string>
 
-namespace kestrel::platform {
+namespace kestrel::tests {
 namespace {
+
+using platform::ParseMeminfo;
 
 // From a machine of two processors and 24 GiB under Linux 6.18, shortened where nothing is read.
 constexpr const char* kText =
@@ -30,7 +32,7 @@ std::string Replaced(const std::string& what, const std::string& with) {
   return text.replace(place, what.size(), with);
 }
 
-TEST(MeminfoTest, ReadsEveryFigureInBytes) {
+TEST(MeminfoTest, FiguresAreReadInBytes) {
   const auto meminfo = ParseMeminfo(kText);
   ASSERT_TRUE(meminfo);
   EXPECT_EQ(meminfo->total, 24681488ULL * 1024);
@@ -40,7 +42,7 @@ TEST(MeminfoTest, ReadsEveryFigureInBytes) {
   EXPECT_EQ(meminfo->committed, 284112ULL * 1024);
 }
 
-TEST(MeminfoTest, TheOrderDoesNotMatter) {
+TEST(MeminfoTest, FiguresAreFoundInAnyOrder) {
   const auto meminfo = ParseMeminfo(
       "Committed_AS: 5 kB\nCommitLimit: 4 kB\nSwapFree: 3 kB\nMemAvailable: 2 kB\nMemTotal: 9 "
       "kB\n");
@@ -49,14 +51,14 @@ TEST(MeminfoTest, TheOrderDoesNotMatter) {
   EXPECT_EQ(meminfo->committed, 5U * 1024);
 }
 
-TEST(MeminfoTest, EveryFigureOfMemoryIsNeeded) {
+TEST(MeminfoTest, MissingMemoryFigureIsRefused) {
   for (const char* const name : {"MemTotal:", "MemAvailable:", "SwapFree:"}) {
     EXPECT_FALSE(ParseMeminfo(Replaced(name, "Other:"))) << name;
   }
 }
 
-// As sandboxes do that stand in for the kernel.
-TEST(MeminfoTest, TheFiguresOfCommitmentMayBeMissing) {
+// Sandboxes that implement the kernel's interface in user space leave them out.
+TEST(MeminfoTest, MissingCommitFiguresGiveNoLimit) {
   const auto without_limit = ParseMeminfo(Replaced("CommitLimit:", "Other:"));
   ASSERT_TRUE(without_limit);
   EXPECT_EQ(without_limit->commit_limit, 18446744073709551615ULL);
@@ -66,14 +68,14 @@ TEST(MeminfoTest, TheFiguresOfCommitmentMayBeMissing) {
   EXPECT_FALSE(ParseMeminfo(Replaced("13389316 kB", "many kB")));
 }
 
-TEST(MeminfoTest, ANameIsTakenWholeAndAtTheBeginningOfItsLine) {
+TEST(MeminfoTest, NameOnlyMatchesWholeAtStartOfLine) {
   EXPECT_FALSE(ParseMeminfo(Replaced("MemTotal:", "XMemTotal:")));
   EXPECT_FALSE(ParseMeminfo(Replaced("MemTotal:", "MemTotalX:")));
   EXPECT_FALSE(ParseMeminfo(Replaced("MemTotal:", " MemTotal:")));
   EXPECT_FALSE(ParseMeminfo(Replaced("MemTotal:", "MemTotal")));
 }
 
-TEST(MeminfoTest, NonsenseIsRefused) {
+TEST(MeminfoTest, MalformedFigureIsRefused) {
   for (const char* const figure :
        {"", " ", "x", "-1 kB", "+1 kB", "1", "1 MB", "1 kB ", "1kB", "1 kB x", "0x10 kB", "1.5 kB",
         "18446744073709551616 kB", "18446744073709551615 kB"}) {
@@ -81,24 +83,24 @@ TEST(MeminfoTest, NonsenseIsRefused) {
   }
 }
 
-TEST(MeminfoTest, TheLargestFigureThatFitsIsTaken) {
+TEST(MeminfoTest, LargestFigureThatFitsIsRead) {
   const auto meminfo = ParseMeminfo(Replaced("24681488 kB", "18014398509481983 kB"));
   ASSERT_TRUE(meminfo);
   EXPECT_EQ(meminfo->total, 18446744073709550592ULL);
 }
 
-TEST(MeminfoTest, MoreAvailableThanThereIsIsRefused) {
+TEST(MeminfoTest, MoreAvailableThanTotalIsRefused) {
   EXPECT_FALSE(ParseMeminfo(Replaced("24235660 kB", "24681489 kB")));
   EXPECT_TRUE(ParseMeminfo(Replaced("24235660 kB", "24681488 kB")));
 }
 
-TEST(MeminfoTest, ATextCutOffInsideAFigureIsRefused) {
+TEST(MeminfoTest, TextTruncatedInsideAFigureIsRefused) {
   const std::string text = kText;
   const std::size_t last_figure = text.find("284112") + 3;
   EXPECT_FALSE(ParseMeminfo(text.substr(0, last_figure)));
 }
 
-TEST(MeminfoTest, AnEmptyTextIsRefused) { EXPECT_FALSE(ParseMeminfo("")); }
+TEST(MeminfoTest, EmptyTextIsRefused) { EXPECT_FALSE(ParseMeminfo("")); }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::tests

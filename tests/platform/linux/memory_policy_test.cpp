@@ -2,11 +2,16 @@
 
 #include <gtest/gtest.h>
 
-namespace kestrel::platform {
+#include <cstdint>
+
+namespace kestrel::tests {
 namespace {
 
-// 16 total, 6 available, 4 of swap, 12 may be committed and 5 are.
-constexpr Meminfo kMeminfo = {16, 6, 4, 12, 5};
+using platform::CgroupRoom;
+using platform::IsStrictOvercommit;
+using platform::Meminfo;
+using platform::MemoryStatus;
+using platform::ToMemoryStatus;
 
 TEST(MemoryPolicyTest, OnlyModeTwoIsStrict) {
   EXPECT_TRUE(IsStrictOvercommit("2\n"));
@@ -16,31 +21,110 @@ TEST(MemoryPolicyTest, OnlyModeTwoIsStrict) {
   }
 }
 
-TEST(MemoryPolicyTest, BeyondTheRamThereIsTheSwapLeft) {
-  const MemoryStatus status = ToMemoryStatus(kMeminfo, false);
-  EXPECT_EQ(status.total_physical, 16U);
-  EXPECT_EQ(status.available_physical, 6U);
-  EXPECT_EQ(status.committable, 4U);
+constexpr std::uint64_t kUnlimited = CgroupRoom::kUnlimited;
+
+Meminfo Machine() {
+  Meminfo meminfo;
+  meminfo.total = 16000;
+  meminfo.available = 10000;
+  meminfo.swap_free = 2000;
+  meminfo.commit_limit = 12000;
+  meminfo.committed = 5000;
+  return meminfo;
 }
 
-TEST(MemoryPolicyTest, UnderStrictOvercommitThereIsTheRestOfTheCommitLimit) {
-  const MemoryStatus status = ToMemoryStatus(kMeminfo, true);
-  EXPECT_EQ(status.total_physical, 16U);
-  EXPECT_EQ(status.available_physical, 6U);
-  EXPECT_EQ(status.committable, 1U);
+void ExpectStatus(const MemoryStatus& status, std::uint64_t available, std::uint64_t committable) {
+  EXPECT_EQ(status.total_physical, 16000U);
+  EXPECT_EQ(status.available_physical, available);
+  EXPECT_EQ(status.committable, committable);
 }
 
-TEST(MemoryPolicyTest, UnderStrictOvercommitTheCommitLimitBoundsTheRam) {
-  const MemoryStatus status = ToMemoryStatus({16, 6, 4, 12, 9}, true);
-  EXPECT_EQ(status.available_physical, 3U);
-  EXPECT_EQ(status.committable, 0U);
+TEST(MemoryPolicyTest, NoLimitGivesMachinesFigures) {
+  ExpectStatus(ToMemoryStatus(Machine(), false), 10000, 2000);
+  ExpectStatus(ToMemoryStatus(Machine(), false, {}), 10000, 2000);
 }
 
-TEST(MemoryPolicyTest, MoreCommittedThanTheLimitLeavesNothing) {
-  const MemoryStatus status = ToMemoryStatus({16, 6, 4, 12, 13}, true);
-  EXPECT_EQ(status.available_physical, 0U);
-  EXPECT_EQ(status.committable, 0U);
+TEST(MemoryPolicyTest, SmallerOfMachineAndGroupIsAvailable) {
+  ExpectStatus(ToMemoryStatus(Machine(), false, {9999, kUnlimited, kUnlimited}), 9999, 2000);
+  ExpectStatus(ToMemoryStatus(Machine(), false, {10000, kUnlimited, kUnlimited}), 10000, 2000);
+  ExpectStatus(ToMemoryStatus(Machine(), false, {10001, kUnlimited, kUnlimited}), 10000, 2000);
+  ExpectStatus(ToMemoryStatus(Machine(), false, {0, kUnlimited, kUnlimited}), 0, 2000);
+}
+
+TEST(MemoryPolicyTest, SwapLimitOfGroupCapsSwapLeft) {
+  ExpectStatus(ToMemoryStatus(Machine(), false, {4000, 1999, kUnlimited}), 4000, 1999);
+  ExpectStatus(ToMemoryStatus(Machine(), false, {4000, 2001, kUnlimited}), 4000, 2000);
+  ExpectStatus(ToMemoryStatus(Machine(), false, {kUnlimited, 0, kUnlimited}), 10000, 0);
+}
+
+TEST(MemoryPolicyTest, CommonLimitLeavesSwapBeyondRam) {
+  ExpectStatus(ToMemoryStatus(Machine(), false, {4000, kUnlimited, 5000}), 4000, 1000);
+  ExpectStatus(ToMemoryStatus(Machine(), false, {4000, kUnlimited, 4000}), 4000, 0);
+  ExpectStatus(ToMemoryStatus(Machine(), false, {4000, kUnlimited, 9000}), 4000, 2000);
+}
+
+// Swap that was used while the machine was short of RAM counts against the common limit.
+TEST(MemoryPolicyTest, CommonLimitMayBeTighterThanMemoryLimit) {
+  ExpectStatus(ToMemoryStatus(Machine(), false, {4000, kUnlimited, 3000}), 3000, 0);
+}
+
+// Version 1 lets the group swap when the machine is short, up to the limit on both.
+TEST(MemoryPolicyTest, MachineMayBeTighterThanCommonLimit) {
+  ExpectStatus(ToMemoryStatus(Machine(), false, {11000, kUnlimited, 11000}), 10000, 1000);
+}
+
+TEST(MemoryPolicyTest, FullGroupThatDoesNotSwapHasOnlyRam) {
+  ExpectStatus(ToMemoryStatus(Machine(), false, {4000, kUnlimited, kUnlimited, false}), 4000, 0);
+  ExpectStatus(ToMemoryStatus(Machine(), true, {4000, kUnlimited, kUnlimited, false}), 4000, 0);
+}
+
+TEST(MemoryPolicyTest, FullMachineSwapsEvenIfGroupsDoNot) {
+  ExpectStatus(ToMemoryStatus(Machine(), false, {10000, kUnlimited, kUnlimited, false}), 10000,
+               2000);
+}
+
+TEST(MemoryPolicyTest, StrictOvercommitLeavesRestOfCommitLimit) {
+  ExpectStatus(ToMemoryStatus(Machine(), true), 7000, 0);
+  Meminfo machine = Machine();
+  machine.committed = 0;
+  ExpectStatus(ToMemoryStatus(machine, true), 10000, 2000);
+  machine.commit_limit = 20000;  // more than there is
+  ExpectStatus(ToMemoryStatus(machine, true), 10000, 10000);
+}
+
+TEST(MemoryPolicyTest, StrictOvercommitBoundsGroup) {
+  ExpectStatus(ToMemoryStatus(Machine(), true, {8000, kUnlimited, kUnlimited}), 7000, 0);
+  ExpectStatus(ToMemoryStatus(Machine(), true, {6500, kUnlimited, kUnlimited}), 6500, 500);
+  ExpectStatus(ToMemoryStatus(Machine(), true, {6500, 100, kUnlimited}), 6500, 100);
+}
+
+TEST(MemoryPolicyTest, FullGroupHasOnlySwapUnderStrictOvercommit) {
+  ExpectStatus(ToMemoryStatus(Machine(), true, {1000, kUnlimited, kUnlimited}), 1000, 2000);
+  ExpectStatus(ToMemoryStatus(Machine(), true, {1000, kUnlimited, 1500}), 1000, 500);
+  ExpectStatus(ToMemoryStatus(Machine(), true, {0, 0, kUnlimited}), 0, 0);
+}
+
+TEST(MemoryPolicyTest, MoreCommittedThanLimitLeavesNothing) {
+  Meminfo machine = Machine();
+  machine.committed = machine.commit_limit + 1;
+  ExpectStatus(ToMemoryStatus(machine, true, {1000, kUnlimited, kUnlimited}), 0, 0);
+}
+
+TEST(MemoryPolicyTest, FiguresDoNotWrapAround) {
+  for (const std::uint64_t physical : {std::uint64_t{0}, std::uint64_t{5000}, kUnlimited}) {
+    for (const std::uint64_t swap : {std::uint64_t{0}, std::uint64_t{5000}, kUnlimited}) {
+      for (const std::uint64_t memory_and_swap :
+           {std::uint64_t{0}, std::uint64_t{5000}, kUnlimited}) {
+        for (const bool strict : {false, true}) {
+          const auto status = ToMemoryStatus(Machine(), strict, {physical, swap, memory_and_swap});
+          EXPECT_LE(status.available_physical, 10000U);
+          EXPECT_LE(status.committable, 2000U);
+          EXPECT_LE(status.available_physical + status.committable, memory_and_swap);
+        }
+      }
+    }
+  }
 }
 
 }  // namespace
-}  // namespace kestrel::platform
+}  // namespace kestrel::tests

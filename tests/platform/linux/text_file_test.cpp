@@ -13,6 +13,7 @@ namespace kestrel::tests {
 namespace {
 
 using platform::FileDescriptor;
+using platform::FindLine;
 using platform::ReadTextFile;
 using platform::TakeNumber;
 
@@ -48,6 +49,23 @@ TEST_F(TextFileTest, DescriptorClosesItselfUnlessReleased) {
   EXPECT_EQ(fcntl(closed, F_GETFD), -1);
   EXPECT_EQ(fcntl(kept, F_GETFD), FD_CLOEXEC);
   close(kept);
+}
+
+TEST(FindLineTest, RestOfFirstMatchingLineIsReturned) {
+  EXPECT_EQ(FindLine("a 1\nb 2\n", "b "), "2");
+  EXPECT_EQ(FindLine("b 1\nb 2\n", "b "), "1");
+  EXPECT_EQ(FindLine("b \n", "b "), "");
+}
+
+TEST(FindLineTest, TextElsewhereOnALineDoesNotMatch) {
+  EXPECT_EQ(FindLine("total_file 1\n", "file "), std::nullopt);
+  EXPECT_EQ(FindLine("file_dirty 1\n", "file "), std::nullopt);
+  EXPECT_EQ(FindLine("fi\nle 1\n", "file "), std::nullopt);
+  EXPECT_EQ(FindLine("", "file "), std::nullopt);
+}
+
+TEST(FindLineTest, LineWithoutNewlineDoesNotMatch) {
+  EXPECT_EQ(FindLine("a 1\nfile 12", "file "), std::nullopt);
 }
 
 TEST(TakeNumberTest, LeadingDigitsAreRemoved) {

@@ -1,0 +1,270 @@
+#include "platform/linux/cgroup_location.h"
+
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <unistd.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "tests/platform/linux/child_process.h"
+#include "tests/platform/linux/machine_tree.h"
+
+namespace kestrel::tests {
+namespace {
+
+using platform::CgroupVersion;
+using platform::FindMemoryCgroup;
+using platform::PathBuffer;
+
+class CgroupLocationTest : public testing::Test {
+ protected:
+  // Returns the version and the directory, with a bar after the topmost visible ancestor.
+  std::string Find(const std::string& groups, const std::string& mounts) {
+    tree_.WriteGroups(groups);
+    tree_.WriteMounts(mounts);
+    return Find();
+  }
+
+  std::string Find() {
+    const std::string root = tree_.root();
+    const auto group = FindMemoryCgroup(root);
+    if (!group) {
+      return "none";
+    }
+    std::string directory(group->directory.view());
+    directory.insert(group->top_length, "|");
+    EXPECT_EQ(directory.substr(0, root.size()), root);
+    return (group->version == CgroupVersion::kV1 ? "v1 " : "v2 ") + directory.substr(root.size());
+  }
+
+  MachineTree tree_;
+};
+
+TEST_F(CgroupLocationTest, GroupIsBelowMountPoint) {
+  EXPECT_EQ(Find("0::/a.slice/b.scope\n", MountV2("/", "/sys/fs/cgroup")),
+            "v2 /sys/fs/cgroup|/a.slice/b.scope");
+}
+
+TEST_F(CgroupLocationTest, RootGroupIsMountPoint) {
+  EXPECT_EQ(Find("0::/\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|");
+}
+
+TEST_F(CgroupLocationTest, Version1HierarchyIsFoundByMemoryController) {
+  const std::string mounts = "34 31 0:31 / /sys/fs/cgroup/cpuset rw - cgroup cgroup rw,cpuset\n" +
+                             MountV1("/", "/sys/fs/cgroup/memory");
+  EXPECT_EQ(Find("5:cpuset:/x\n4:memory:/a\n1:name=systemd:/y\n", mounts),
+            "v1 /sys/fs/cgroup/memory|/a");
+}
+
+TEST_F(CgroupLocationTest, Version1HierarchyMayHaveOtherControllersToo) {
+  EXPECT_EQ(Find("2:cpu,memory,pids:/a\n",
+                 "34 31 0:31 / /mnt/all rw - cgroup cgroup rw,xattr,cpu,memory,pids\n"),
+            "v1 /mnt/all|/a");
+}
+
+TEST_F(CgroupLocationTest, HierarchyNamedMemoryIsIgnored) {
+  EXPECT_EQ(
+      Find("2:name=memory:/a\n", "34 31 0:31 / /mnt/named rw - cgroup cgroup rw,name=memory\n"),
+      "none");
+}
+
+TEST_F(CgroupLocationTest, OtherFileSystemWithOptionMemoryIsIgnored) {
+  EXPECT_EQ(Find("2:memory:/a\n", "34 31 0:31 / /mnt/other rw - fuse fuse rw,memory\n"), "none");
+}
+
+TEST_F(CgroupLocationTest, HybridMachineUsesVersionThatHasMemoryController) {
+  const std::string mounts = MountV2("/", "/sys/fs/cgroup/unified") + MountV1("/", "/memory");
+  EXPECT_EQ(Find("4:memory:/old\n0::/new\n", mounts), "v1 /memory|/old");
+  EXPECT_EQ(Find("0::/new\n4:memory:/old\n", mounts), "v1 /memory|/old");
+  EXPECT_EQ(Find("4:cpu:/old\n0::/new\n", mounts), "v2 /sys/fs/cgroup/unified|/new");
+}
+
+TEST_F(CgroupLocationTest, MountOfOtherVersionIsIgnored) {
+  EXPECT_EQ(Find("4:memory:/a\n", MountV2("/", "/sys/fs/cgroup")), "none");
+  EXPECT_EQ(Find("0::/a\n", MountV1("/", "/sys/fs/cgroup/memory")), "none");
+}
+
+TEST_F(CgroupLocationTest, MountOfPartShowsItsRootAtMountPoint) {
+  EXPECT_EQ(Find("0::/docker/f00\n", MountV2("/docker/f00", "/sys/fs/cgroup")),
+            "v2 /sys/fs/cgroup|");
+  EXPECT_EQ(Find("0::/docker/f00/sub\n", MountV2("/docker/f00", "/sys/fs/cgroup")),
+            "v2 /sys/fs/cgroup|/sub");
+}
+
+TEST_F(CgroupLocationTest, MountOfPartDoesNotShowGroupsOutside) {
+  EXPECT_EQ(Find("0::/docker/f00d\n", MountV2("/docker/f00", "/sys/fs/cgroup")), "none");
+  EXPECT_EQ(Find("0::/docker\n", MountV2("/docker/f00", "/sys/fs/cgroup")), "none");
+  EXPECT_EQ(Find("0::/\n", MountV2("/docker/f00", "/sys/fs/cgroup")), "none");
+}
+
+TEST_F(CgroupLocationTest, PathsOutsideNamespaceMatchFromTheirCommonStart) {
+  EXPECT_EQ(Find("0::/../../a/b\n", MountV2("/../..", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/a/b");
+  EXPECT_EQ(Find("0::/../a/b\n", MountV2("/../a", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/b");
+  EXPECT_EQ(Find("0::/../..\n", MountV2("/../..", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|");
+}
+
+TEST_F(CgroupLocationTest, GroupOutsideNamespaceIsNotInMountOfIt) {
+  EXPECT_EQ(Find("0::/..\n", MountV2("/", "/sys/fs/cgroup")), "none");
+  EXPECT_EQ(Find("0::/../a\n", MountV2("/", "/sys/fs/cgroup")), "none");
+  EXPECT_EQ(Find("0::/../..\n", MountV2("/..", "/sys/fs/cgroup")), "none");
+  EXPECT_EQ(Find("0::/../../a\n", MountV2("/..", "/sys/fs/cgroup")), "none");
+}
+
+// The mount's root is above that of the namespace: it is an ancestor, and the names of the groups
+// between are unknown.
+TEST_F(CgroupLocationTest, GroupBelowUnmountedNamesUsesMountedAncestor) {
+  EXPECT_EQ(Find("0::/\n", MountV2("/..", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|");
+  EXPECT_EQ(Find("0::/a\n", MountV2("/../..", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|");
+}
+
+// Memory is charged to the first thread's group; version 1 lets other threads be in other groups.
+TEST_F(CgroupLocationTest, GroupOfFirstThreadIsUsed) {
+  tree_.Write("/proc/self/cgroup", "0::/first\n");
+  EXPECT_EQ(Find("0::/other\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/first");
+}
+
+TEST_F(CgroupLocationTest, GroupOfCallingThreadIsUsedAfterFirstThreadEnded) {
+  tree_.Write("/proc/self/cgroup", "0::/\n");
+  EXPECT_EQ(Find("0::/other\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/other");
+}
+
+TEST_F(CgroupLocationTest, NameThatBeginsWithDotsStaysInNamespace) {
+  EXPECT_EQ(Find("0::/..a/..\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/..a/..");
+}
+
+TEST_F(CgroupLocationTest, MountThatShowsLongestPathWins) {
+  const std::string part = MountV2("/a", "/part");
+  const std::string whole = MountV2("/", "/whole");
+  const std::string own = MountV2("/a/b", "/own");
+  EXPECT_EQ(Find("0::/a/b\n", part + whole + own), "v2 /whole|/a/b");
+  EXPECT_EQ(Find("0::/a/b\n", own + part), "v2 /part|/b");
+  EXPECT_EQ(Find("0::/a/b\n", part + own), "v2 /part|/b");
+  EXPECT_EQ(Find("0::/a/b\n", own + MountV2("/c", "/other")), "v2 /own|");
+}
+
+TEST_F(CgroupLocationTest, FirstOfEqualMountsWins) {
+  EXPECT_EQ(Find("0::/a/b\n", MountV2("/a", "/one") + MountV2("/a", "/two")), "v2 /one|/b");
+}
+
+TEST_F(CgroupLocationTest, GroupNameMayContainColonsAndBlanks) {
+  EXPECT_EQ(Find("0::/a:b/c d\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/a:b/c d");
+}
+
+TEST_F(CgroupLocationTest, EscapesInMountTableAreDecoded) {
+  EXPECT_EQ(Find("0::/a/x\n", MountV2("/", "/my\\040groups\\011x\\134y")),
+            "v2 /my groups\tx\\y|/a/x");
+  EXPECT_EQ(Find("0::/a/x\n", MountV2("/", "/groups\\040")), "v2 /groups |/a/x");
+  EXPECT_EQ(Find("0::/a\\x2db.slice/c\n", MountV2("/a\\134x2db.slice", "/sys/fs/cgroup")),
+            "v2 /sys/fs/cgroup|/c");
+}
+
+TEST_F(CgroupLocationTest, IncompleteEscapesAreKept) {
+  EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\04")), "v2 /a\\04|");
+  EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\048")), "v2 /a\\048|");
+  EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\x2db\\")), "v2 /a\\x2db\\|");
+}
+
+TEST_F(CgroupLocationTest, TagsAndSourceOfMountAreIgnored) {
+  const std::string head = "30 23 0:26 / /sys/fs/cgroup rw";
+  for (const std::string tail :
+       {" - cgroup2 cgroup2 rw", " shared:9 - cgroup2 none rw", " - cgroup2  rw",
+        " shared:9 master:2 propagate_from:1 unbindable - cgroup2 a\\040b rw", " - cgroup2"}) {
+    EXPECT_EQ(Find("0::/a\n", head + tail + "\n"), "v2 /sys/fs/cgroup|/a") << tail;
+  }
+}
+
+TEST_F(CgroupLocationTest, LongMountTableIsReadToTheEnd) {
+  std::string mounts;
+  for (int mount = 0; mount < 800; ++mount) {
+    mounts += std::to_string(100 + mount) + " 27 0:" + std::to_string(100 + mount) +
+              " / /var/lib/docker/overlay2/" + std::to_string(mount) +
+              "/merged rw,relatime - overlay overlay rw,lowerdir=" + std::string(1000, 'l') + "\n";
+  }
+  EXPECT_EQ(Find("0::/a\n", mounts + MountV2("/", "/late")), "v2 /late|/a");
+}
+
+TEST_F(CgroupLocationTest, OverlongLineIsSkipped) {
+  const std::string overlay =
+      "90 27 0:90 / /merged rw - overlay overlay rw,lowerdir=" + std::string(9000, 'l') + "\n";
+  EXPECT_EQ(Find("0::/a\n", overlay + MountV2("/", "/late")), "v2 /late|/a");
+  EXPECT_EQ(Find("0::/" + std::string(5000, 'a') + "\n", MountV2("/", "/late")), "none");
+}
+
+TEST_F(CgroupLocationTest, OverlongPathIsSkipped) {
+  const std::string groups = "0::/" + std::string(700, 'a') + "/b\n";
+  const std::string long_mount = MountV2("/", "/" + std::string(400, 'm'));
+  EXPECT_EQ(Find(groups, long_mount), "none");
+  const std::string part = "/" + std::string(700, 'a');
+  EXPECT_EQ(Find(groups, long_mount + MountV2(part, "/part")), "v2 /part|/b");
+}
+
+TEST_F(CgroupLocationTest, OverlongRootHasNoGroup) {
+  tree_.WriteGroups("0::/a\n");
+  tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
+  EXPECT_FALSE(FindMemoryCgroup(tree_.root() + std::string(PathBuffer::kCapacity, '/')));
+}
+
+TEST_F(CgroupLocationTest, OverlongMountPointIsSkipped) {
+  std::string root = tree_.root();
+  while (root.size() < PathBuffer::kCapacity - 200) {
+    root += "/.";
+  }
+  tree_.WriteGroups("0::/a\n");
+  tree_.WriteMounts(MountV2("/", "/" + std::string(300, 'm')));
+  EXPECT_FALSE(FindMemoryCgroup(root));
+  tree_.WriteMounts(MountV2("/", "/" + std::string(100, 'm')));
+  EXPECT_TRUE(FindMemoryCgroup(root));
+}
+
+TEST_F(CgroupLocationTest, MissingFilesGiveNoGroup) {
+  EXPECT_EQ(Find(), "none");
+  tree_.WriteGroups("0::/a\n");
+  EXPECT_EQ(Find(), "none");
+  tree_.WriteMounts("27 1 259:2 / / rw,relatime shared:1 - ext4 /dev/sda1 rw\n");
+  EXPECT_EQ(Find(), "none");
+}
+
+TEST_F(CgroupLocationTest, MalformedFilesGiveNoGroup) {
+  for (const std::string groups : {"", "\n", "0\n", "0:\n", "0::\n", "0::a\n", "nonsense\n",
+                                   "4:memory:\n", "::\n", "0::/cut off"}) {
+    EXPECT_EQ(Find(groups, MountV1("/", "/memory") + MountV2("/", "/unified")), "none") << groups;
+  }
+  for (const std::string mounts :
+       {"", "\n", " - \n", " - cgroup2\n", "30 - cgroup2 c rw\n", "\\\n", "cgroup2\n",
+        "30 23 0:26 / relative rw - cgroup2 c rw\n", "30 23 0:26 relative /sys rw - cgroup2 c rw\n",
+        "30 23 0:26 / /sys rw - cgroup2 cut off"}) {
+    EXPECT_EQ(Find("0::/a\n", mounts), "none") << mounts;
+  }
+}
+
+// The root "/." names this machine too, but switches the shortcut off.
+bool ShortcutAndMountTableAgree() {
+  const auto quickly = FindMemoryCgroup("");
+  const auto searched = FindMemoryCgroup("/.");
+  if (!quickly || !searched) {
+    return quickly.has_value() == searched.has_value();
+  }
+  return quickly->version == searched->version && quickly->top_length + 2 == searched->top_length &&
+         "/." + std::string(quickly->directory.view()) == searched->directory.view();
+}
+
+TEST(CgroupLocationOfThisMachineTest, UsualPlaceAndMountTableAgree) {
+  EXPECT_TRUE(ShortcutAndMountTableAgree());
+}
+
+// In a cgroup namespace, paths are relative to the group in which the namespace was created.
+TEST(CgroupLocationOfThisMachineTest, UsualPlaceAndMountTableAgreeInCgroupNamespace) {
+  if (geteuid() != 0) {
+    GTEST_SKIP() << "needs root, to create a cgroup namespace";
+  }
+  const auto outcome = RunApart([] {
+    if (unshare(CLONE_NEWCGROUP) != 0 || !ShortcutAndMountTableAgree()) {
+      throw std::runtime_error("they differ");
+    }
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
+}  // namespace
+}  // namespace kestrel::tests

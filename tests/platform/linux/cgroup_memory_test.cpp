@@ -1,0 +1,352 @@
+#include "platform/linux/cgroup_memory.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tests/platform/linux/machine_tree.h"
+
+namespace kestrel::tests {
+namespace {
+
+using platform::CgroupRoom;
+using platform::ReadCgroupRoom;
+
+constexpr std::uint64_t kUnlimited = CgroupRoom::kUnlimited;
+const char* const kHuge = "18446744073709551615";  // 2^64 - 1
+
+// Texts that are not one number and a newline.
+const char* const kMalformed[] = {"",     "\n",     "max\n",  "-1\n",
+                                  " 5\n", "5 \n",   "5kB\n",  "0x10\n",
+                                  "5",    "5\n6\n", "many\n", "18446744073709551616\n"};
+
+class CgroupMemoryV2Test : public testing::Test {
+ protected:
+  void SetUp() override {
+    tree_.WriteGroups("0::/a/b\n");
+    tree_.WriteMounts(MountV2("/", "/cg"));
+  }
+
+  void Write(const std::string& group, const std::string& file, const std::string& text) {
+    tree_.Write("/cg" + group + "/memory." + file, text);
+  }
+
+  // Writes a group without reclaimable memory.
+  void WriteGroup(const std::string& group, const std::string& limit, const std::string& usage) {
+    Write(group, "max", limit + "\n");
+    Write(group, "current", usage + "\n");
+    Write(group, "stat", "inactive_file 0\nactive_file 0\nslab_reclaimable 0\n");
+  }
+
+  CgroupRoom Read() { return ReadCgroupRoom(tree_.root(), /*with_swap=*/true); }
+
+  MachineTree tree_;
+};
+
+TEST_F(CgroupMemoryV2Test, MissingGroupFilesGiveNoLimit) {
+  const CgroupRoom room = Read();
+  EXPECT_EQ(room.physical, kUnlimited);
+  EXPECT_EQ(room.swap, kUnlimited);
+  EXPECT_EQ(room.memory_and_swap, kUnlimited);
+}
+
+TEST_F(CgroupMemoryV2Test, MissingMountGivesNoLimit) {
+  WriteGroup("/a/b", "1000", "300");
+  Write("/a/b", "swap.max", "0\n");
+  Write("/a/b", "swap.current", "0\n");
+  tree_.WriteMounts("");
+  EXPECT_EQ(Read().physical, kUnlimited);
+  EXPECT_EQ(Read().swap, kUnlimited);
+  EXPECT_TRUE(Read().swaps_when_full);
+}
+
+TEST_F(CgroupMemoryV2Test, MaxGivesNoLimit) {
+  WriteGroup("/a/b", "max", "500");
+  EXPECT_EQ(Read().physical, kUnlimited);
+}
+
+TEST_F(CgroupMemoryV2Test, RoomIsLimitLessUsage) {
+  WriteGroup("/a/b", "1000", "300");
+  EXPECT_EQ(Read().physical, 700U);
+  EXPECT_EQ(Read().memory_and_swap, kUnlimited);
+}
+
+TEST_F(CgroupMemoryV2Test, FilePagesAndReclaimableSlabCountAsRoom) {
+  WriteGroup("/a/b", "1000", "900");
+  Write("/a/b", "stat",
+        "anon 200\nfile 650\nshmem 50\ninactive_anon 240\nactive_anon 10\ninactive_file 400\n"
+        "active_file 200\nunevictable 0\nslab_reclaimable 30\nslab_unreclaimable 20\nslab 50\n");
+  EXPECT_EQ(Read().physical, 730U);
+}
+
+TEST_F(CgroupMemoryV2Test, MissingSlabFigureCountsAsZero) {
+  WriteGroup("/a/b", "1000", "900");
+  Write("/a/b", "stat", "inactive_file 400\nactive_file 200\n");
+  EXPECT_EQ(Read().physical, 700U);
+}
+
+TEST_F(CgroupMemoryV2Test, MoreReclaimableThanUsedFreesAllUsage) {
+  WriteGroup("/a/b", "1000", "900");
+  const std::string huge = std::string(kHuge) + "\n";
+  const std::vector<std::string> texts = {
+      "inactive_file 901\nactive_file 0\n", "inactive_file " + huge + "active_file 2\n",
+      "inactive_file 0\nactive_file " + huge + "slab_reclaimable 2\n"};
+  for (const std::string& text : texts) {
+    Write("/a/b", "stat", text);
+    EXPECT_EQ(Read().physical, 1000U) << text;
+  }
+}
+
+TEST_F(CgroupMemoryV2Test, LimitBelowUsageLeavesNoRoom) {
+  WriteGroup("/a/b", "1000", "1001");
+  EXPECT_EQ(Read().physical, 0U);
+  WriteGroup("/a/b", "0", kHuge);
+  EXPECT_EQ(Read().physical, 0U);
+}
+
+TEST_F(CgroupMemoryV2Test, LimitBelowUsageLeavesWhatReclaimFreesBelowIt) {
+  WriteGroup("/a/b", "1000", "1100");
+  Write("/a/b", "stat", "inactive_file 300\nactive_file 0\n");
+  EXPECT_EQ(Read().physical, 200U);
+}
+
+TEST_F(CgroupMemoryV2Test, SmallestRoomOfAllLevelsWins) {
+  for (const std::string tightest : {"/a/b", "/a", ""}) {
+    for (const std::string group : {"/a/b", "/a", ""}) {
+      WriteGroup(group, group == tightest ? "1000" : "2000", "100");
+    }
+    EXPECT_EQ(Read().physical, 900U) << tightest;
+  }
+}
+
+TEST_F(CgroupMemoryV2Test, AncestorsLimitHoldsWithoutFilesOfOwnGroup) {
+  WriteGroup("/a", "1000", "100");
+  EXPECT_EQ(Read().physical, 900U);
+}
+
+TEST_F(CgroupMemoryV2Test, RemovedGroupUsesAncestorsLimit) {
+  tree_.WriteGroups("0::/a/b (deleted)\n");
+  WriteGroup("/a", "1000", "100");
+  EXPECT_EQ(Read().physical, 900U);
+}
+
+TEST_F(CgroupMemoryV2Test, AncestorsAboveMountAreIgnored) {
+  tree_.WriteMounts(MountV2("/a", "/cg/inner"));
+  WriteGroup("", "1000", "100");
+  EXPECT_EQ(Read().physical, kUnlimited);
+  WriteGroup("/inner/b", "3000", "100");
+  WriteGroup("/inner", "2000", "100");
+  EXPECT_EQ(Read().physical, 1900U);
+}
+
+TEST_F(CgroupMemoryV2Test, ThrottleGivesNoLimit) {
+  Write("/a/b", "high", "10\n");
+  Write("/a/b", "swap.high", "10\n");
+  EXPECT_EQ(Read().physical, kUnlimited);
+  EXPECT_EQ(Read().swap, kUnlimited);
+}
+
+TEST_F(CgroupMemoryV2Test, MalformedFigureGivesNoLimit) {
+  for (const std::string text : kMalformed) {
+    for (const std::string file : {"max", "current"}) {
+      WriteGroup("/a/b", "1000", "100");
+      Write("/a/b", file, text);
+      EXPECT_EQ(Read().physical, kUnlimited) << file << " " << text;
+    }
+  }
+}
+
+TEST_F(CgroupMemoryV2Test, MalformedStatisticsGiveNoLimit) {
+  WriteGroup("/a/b", "1000", "100");
+  for (const std::string text :
+       {"", "nonsense\n", "inactive_file 1\n", "active_file 1\n",
+        "inactive_file x\nactive_file 1\n", "inactive_file 1\nactive_file 1 kB\n",
+        "inactive_file 1\nactive_file 1", "inactive_file 1\nactive_file 18446744073709551616\n"}) {
+    Write("/a/b", "stat", text);
+    EXPECT_EQ(Read().physical, kUnlimited) << text;
+  }
+}
+
+TEST_F(CgroupMemoryV2Test, MissingUsageOrStatisticsGiveNoLimit) {
+  Write("/a/b", "max", "1000\n");
+  EXPECT_EQ(Read().physical, kUnlimited);
+  Write("/a/b", "current", "100\n");
+  EXPECT_EQ(Read().physical, kUnlimited);
+}
+
+TEST_F(CgroupMemoryV2Test, SmallestSwapLeftOfAllLevelsWins) {
+  Write("/a/b", "swap.max", "1000\n");
+  Write("/a/b", "swap.current", "100\n");
+  EXPECT_EQ(Read().swap, 900U);
+  EXPECT_EQ(Read().physical, kUnlimited);
+  Write("/a", "swap.max", "500\n");
+  Write("/a", "swap.current", "200\n");
+  EXPECT_EQ(Read().swap, 300U);
+}
+
+TEST_F(CgroupMemoryV2Test, ForbiddenOrFullSwapLeavesNone) {
+  Write("/a/b", "swap.max", "0\n");
+  Write("/a/b", "swap.current", "0\n");
+  EXPECT_EQ(Read().swap, 0U);
+  Write("/a/b", "swap.max", "100\n");
+  Write("/a/b", "swap.current", "200\n");
+  EXPECT_EQ(Read().swap, 0U);
+}
+
+TEST_F(CgroupMemoryV2Test, MalformedSwapFigureGivesNoLimit) {
+  for (const std::string text : kMalformed) {
+    for (const std::string file : {"swap.max", "swap.current"}) {
+      Write("/a/b", "swap.max", "1000\n");
+      Write("/a/b", "swap.current", "100\n");
+      Write("/a/b", file, text);
+      EXPECT_EQ(Read().swap, kUnlimited) << file << " " << text;
+    }
+  }
+}
+
+TEST_F(CgroupMemoryV2Test, SwapFilesAreNotReadWithoutSwap) {
+  WriteGroup("/a/b", "1000", "100");
+  Write("/a/b", "swap.max", "1000\n");
+  Write("/a/b", "swap.current", "100\n");
+  const CgroupRoom room = ReadCgroupRoom(tree_.root(), /*with_swap=*/false);
+  EXPECT_EQ(room.swap, kUnlimited);
+  EXPECT_EQ(room.physical, 900U);
+}
+
+TEST_F(CgroupMemoryV2Test, FullGroupDoesNotSwapWithSwappiness0) {
+  WriteGroup("/a/b", "1000", "100");
+  EXPECT_TRUE(Read().swaps_when_full);
+  tree_.Write("/proc/sys/vm/swappiness", "0\n");
+  EXPECT_FALSE(Read().swaps_when_full);
+  tree_.Write("/proc/sys/vm/swappiness", "1\n");
+  EXPECT_TRUE(Read().swaps_when_full);
+}
+
+TEST_F(CgroupMemoryV2Test, Swappiness0DoesNotMatterWithoutLimit) {
+  tree_.Write("/proc/sys/vm/swappiness", "0\n");
+  WriteGroup("/a/b", "max", "100");
+  EXPECT_TRUE(Read().swaps_when_full);
+}
+
+class CgroupMemoryV1Test : public testing::Test {
+ protected:
+  void SetUp() override {
+    tree_.WriteGroups("4:memory:/a/b\n0::/\n");
+    tree_.WriteMounts(MountV1("/", "/cg"));
+  }
+
+  void Write(const std::string& group, const std::string& file, const std::string& text) {
+    tree_.Write("/cg" + group + "/memory." + file, text);
+  }
+
+  // Writes a group without reclaimable memory.
+  void WriteGroup(const std::string& group, const std::string& limit, const std::string& usage) {
+    Write(group, "limit_in_bytes", limit + "\n");
+    Write(group, "usage_in_bytes", usage + "\n");
+    Write(group, "stat", "total_inactive_file 0\ntotal_active_file 0\n");
+    Write(group, "use_hierarchy", "1\n");
+  }
+
+  void WriteBoth(const std::string& group, const std::string& limit, const std::string& usage) {
+    Write(group, "memsw.limit_in_bytes", limit + "\n");
+    Write(group, "memsw.usage_in_bytes", usage + "\n");
+  }
+
+  CgroupRoom Read() { return ReadCgroupRoom(tree_.root(), /*with_swap=*/true); }
+
+  MachineTree tree_;
+};
+
+TEST_F(CgroupMemoryV1Test, RoomIsLimitLessUsage) {
+  WriteGroup("/a/b", "1000", "300");
+  EXPECT_EQ(Read().physical, 700U);
+  EXPECT_EQ(Read().swap, kUnlimited);
+  EXPECT_EQ(Read().memory_and_swap, kUnlimited);
+}
+
+// The last whole page below 2^63, with pages of 4 KiB and of 64 KiB.
+TEST_F(CgroupMemoryV1Test, LargestLimitGivesNoLimit) {
+  for (const std::string limit : {"9223372036854771712", "9223372036854710272", kHuge}) {
+    WriteGroup("/a/b", limit, "300");
+    EXPECT_EQ(Read().physical, kUnlimited) << limit;
+    WriteGroup("/a/b", "1000", "300");
+    WriteBoth("/a/b", limit, "300");
+    EXPECT_EQ(Read().memory_and_swap, kUnlimited) << limit;
+  }
+}
+
+TEST_F(CgroupMemoryV1Test, StatisticsThatIncludeChildrenAreUsed) {
+  WriteGroup("/a/b", "1000", "900");
+  Write("/a/b", "stat",
+        "cache 80\nshmem 0\ninactive_file 50\nactive_file 30\nhierarchical_memory_limit 1000\n"
+        "total_cache 700\ntotal_shmem 100\ntotal_inactive_file 400\ntotal_active_file 200\n");
+  EXPECT_EQ(Read().physical, 700U);
+}
+
+TEST_F(CgroupMemoryV1Test, MemoryAndSwapHaveACommonLimit) {
+  WriteGroup("/a/b", "1000", "900");
+  Write("/a/b", "stat", "total_inactive_file 100\ntotal_active_file 50\n");
+  WriteBoth("/a/b", "1500", "1100");
+  EXPECT_EQ(Read().physical, 250U);
+  EXPECT_EQ(Read().memory_and_swap, 550U);
+  EXPECT_EQ(Read().swap, kUnlimited);
+}
+
+TEST_F(CgroupMemoryV1Test, SmallestRoomOfAllLevelsWins) {
+  for (const std::string tightest : {"/a/b", "/a", ""}) {
+    for (const std::string group : {"/a/b", "/a", ""}) {
+      WriteGroup(group, group == tightest ? "1000" : "2000", "100");
+      WriteBoth(group, group == tightest ? "1100" : "2100", "200");
+    }
+    EXPECT_EQ(Read().physical, 900U) << tightest;
+    EXPECT_EQ(Read().memory_and_swap, 900U) << tightest;
+  }
+}
+
+TEST_F(CgroupMemoryV1Test, AncestorWithoutHierarchyDoesNotLimit) {
+  WriteGroup("/a/b", "2000", "100");
+  WriteGroup("/a", "1000", "100");
+  Write("/a", "use_hierarchy", "0\n");
+  EXPECT_EQ(Read().physical, 1900U);
+}
+
+TEST_F(CgroupMemoryV1Test, OwnGroupsLimitHoldsWithoutHierarchy) {
+  WriteGroup("/a/b", "1000", "100");
+  Write("/a/b", "use_hierarchy", "0\n");
+  EXPECT_EQ(Read().physical, 900U);
+}
+
+TEST_F(CgroupMemoryV1Test, FullGroupDoesNotSwapWithItsOwnSwappiness0) {
+  tree_.Write("/proc/sys/vm/swappiness", "0\n");
+  WriteGroup("/a", "1000", "100");
+  Write("/a", "swappiness", "0\n");
+  EXPECT_TRUE(Read().swaps_when_full);
+  Write("/a/b", "swappiness", "0\n");
+  EXPECT_FALSE(Read().swaps_when_full);
+  Write("/a/b", "swappiness", "60\n");
+  EXPECT_TRUE(Read().swaps_when_full);
+}
+
+TEST_F(CgroupMemoryV1Test, MalformedFigureGivesNoLimit) {
+  for (const std::string text : kMalformed) {
+    for (const std::string file : {"limit_in_bytes", "usage_in_bytes", "stat"}) {
+      WriteGroup("/a/b", "1000", "100");
+      WriteBoth("/a/b", "1500", "100");
+      Write("/a/b", file, text);
+      EXPECT_EQ(Read().physical, kUnlimited) << file << " " << text;
+      EXPECT_EQ(Read().memory_and_swap, kUnlimited) << file << " " << text;
+    }
+    for (const std::string file : {"memsw.limit_in_bytes", "memsw.usage_in_bytes"}) {
+      WriteGroup("/a/b", "1000", "100");
+      WriteBoth("/a/b", "1500", "100");
+      Write("/a/b", file, text);
+      EXPECT_EQ(Read().physical, 900U) << file << " " << text;
+      EXPECT_EQ(Read().memory_and_swap, kUnlimited) << file << " " << text;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kestrel::tests

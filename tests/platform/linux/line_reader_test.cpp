@@ -1,0 +1,88 @@
+#include "platform/linux/line_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/platform/linux/machine_tree.h"
+
+namespace kestrel::tests {
+namespace {
+
+using platform::LineReader;
+
+constexpr std::size_t kCapacity = LineReader::kCapacity;
+
+std::vector<std::string> LinesOf(const std::string& path) {
+  std::vector<std::string> lines;
+  LineReader reader(path.c_str());
+  while (const auto line = reader.Next()) {
+    lines.emplace_back(*line);
+  }
+  return lines;
+}
+
+class LineReaderTest : public testing::Test {
+ protected:
+  std::vector<std::string> Lines(const std::string& text) {
+    tree_.Write("/text", text);
+    return LinesOf(tree_.root() + "/text");
+  }
+
+  MachineTree tree_;
+};
+
+using Strings = std::vector<std::string>;
+
+TEST_F(LineReaderTest, LinesComeWithoutNewline) {
+  EXPECT_EQ(Lines("one\n\nthree\n"), Strings({"one", "", "three"}));
+}
+
+TEST_F(LineReaderTest, LastLineWithoutNewlineIsSkipped) {
+  EXPECT_EQ(Lines("whole\ncut of"), Strings({"whole"}));
+}
+
+TEST_F(LineReaderTest, EmptyFileHasNoLines) { EXPECT_EQ(Lines(""), Strings()); }
+
+TEST_F(LineReaderTest, MissingFileHasNoLines) {
+  EXPECT_EQ(LinesOf(tree_.root() + "/missing"), Strings());
+}
+
+TEST_F(LineReaderTest, UnreadableFileHasNoLines) {
+  EXPECT_EQ(LinesOf(tree_.root()), Strings());  // a directory opens, but does not read
+}
+
+TEST_F(LineReaderTest, LinesAcrossReadsAreJoined) {
+  Strings expected;
+  std::string text;
+  for (std::size_t length = 0; length < kCapacity; length += 7) {
+    expected.emplace_back(length, 'x');
+    text += expected.back() + "\n";
+  }
+  EXPECT_EQ(Lines(text), expected);
+}
+
+TEST_F(LineReaderTest, LineThatJustFitsIsReturned) {
+  const std::string fits(kCapacity - 1, 'x');
+  EXPECT_EQ(Lines("a\n" + fits + "\nb\n"), Strings({"a", fits, "b"}));
+}
+
+TEST_F(LineReaderTest, OverlongLinesAreSkipped) {
+  for (const std::size_t length :
+       {kCapacity, kCapacity + 1, 2 * kCapacity - 1, 2 * kCapacity, 10 * kCapacity}) {
+    EXPECT_EQ(Lines("a\n" + std::string(length, 'x') + "\nb\n"), Strings({"a", "b"})) << length;
+  }
+}
+
+TEST_F(LineReaderTest, ReadingStopsAfterAMebibyte) {
+  const std::string line(1023, 'x');
+  std::string text;
+  for (int count = 0; count < 2048; ++count) {
+    text += line + "\n";
+  }
+  EXPECT_EQ(Lines(text).size(), 1024U);
+}
+
+}  // namespace
+}  // namespace kestrel::tests

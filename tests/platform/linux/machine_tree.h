@@ -1,0 +1,33 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace kestrel::tests {
+
+// The files of an invented machine, in a temporary directory that the destructor removes.
+class MachineTree {
+ public:
+  MachineTree();
+  MachineTree(const MachineTree&) = delete;
+  MachineTree& operator=(const MachineTree&) = delete;
+  ~MachineTree();
+
+  [[nodiscard]] std::string root() const { return root_.string(); }
+
+  // Writes a file; `path` is that on the machine and begins with "/".
+  void Write(const std::string& path, const std::string& text) const;
+
+  // The two files by which a process finds its memory group.
+  void WriteGroups(const std::string& text) const { Write("/proc/thread-self/cgroup", text); }
+  void WriteMounts(const std::string& text) const { Write("/proc/thread-self/mountinfo", text); }
+
+ private:
+  std::filesystem::path root_;
+};
+
+// Lines of mountinfo. Roots and mount points are given escaped.
+std::string MountV2(const std::string& root, const std::string& point);
+std::string MountV1(const std::string& root, const std::string& point);
+
+}  // namespace kestrel::tests

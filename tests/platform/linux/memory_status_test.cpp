@@ -1,0 +1,224 @@
+// Memory statuses of whole machines. The directories in machines/ hold the files of real ones as a
+// process there reads them. The other machines are invented: their layout is that of real ones,
+// their figures are round, so that the results can be checked by hand.
+
+#include "platform/linux/memory_status.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "tests/platform/linux/machine_tree.h"
+
+namespace kestrel::tests {
+namespace {
+
+using platform::ReadMemoryStatus;
+
+constexpr std::uint64_t kMebibyte = std::uint64_t{1} << 20;
+
+std::string Bytes(std::uint64_t mebibytes) { return std::to_string(mebibytes * kMebibyte) + "\n"; }
+
+std::string BytesOrMax(std::optional<std::uint64_t> mebibytes) {
+  return mebibytes ? Bytes(*mebibytes) : "max\n";
+}
+
+// The figures of a group in MiB; no limit is nullopt.
+struct Group {
+  std::optional<std::uint64_t> limit = std::nullopt;
+  std::uint64_t usage = 0;
+  std::uint64_t inactive_file = 0;
+  std::uint64_t active_file = 0;
+  std::uint64_t slab = 0;  // version 2 only
+  // Version 2 limits swap alone, version 1 memory and swap together.
+  std::optional<std::uint64_t> swap_limit = std::nullopt;
+  std::uint64_t swap_usage = 0;
+};
+
+// A machine of 16384 MiB, of which 10240 are available, with 2048 MiB of free swap.
+class MemoryStatusTest : public testing::Test {
+ protected:
+  MemoryStatusTest() {
+    WriteMeminfo(/*swap=*/2048, /*committed=*/6144);
+    tree_.Write("/proc/sys/vm/overcommit_memory", "0\n");
+  }
+
+  void WriteMeminfo(std::uint64_t swap, std::uint64_t committed) {
+    const auto line = [](const std::string& name, std::uint64_t mebibytes) {
+      return name + ":       " + std::to_string(mebibytes * 1024) + " kB\n";
+    };
+    tree_.Write("/proc/meminfo", line("MemTotal", 16384) + line("MemFree", 3413) +
+                                     line("MemAvailable", 10240) + line("SwapTotal", swap) +
+                                     line("SwapFree", swap) + line("CommitLimit", 8192 + swap) +
+                                     line("Committed_AS", committed));
+  }
+
+  void WriteV2(const std::string& directory, const Group& group) {
+    const std::string path = "/sys/fs/cgroup" + directory + "/memory.";
+    tree_.Write(path + "max", BytesOrMax(group.limit));
+    tree_.Write(path + "current", Bytes(group.usage));
+    tree_.Write(path + "stat", "anon 4096\ninactive_file " + Bytes(group.inactive_file) +
+                                   "active_file " + Bytes(group.active_file) + "slab_reclaimable " +
+                                   Bytes(group.slab));
+    tree_.Write(path + "swap.max", BytesOrMax(group.swap_limit));
+    tree_.Write(path + "swap.current", Bytes(group.swap_usage));
+  }
+
+  void WriteV1(const std::string& directory, const Group& group) {
+    const std::string no_limit = "9223372036854771712\n";
+    const std::string path = "/sys/fs/cgroup/memory" + directory + "/memory.";
+    tree_.Write(path + "limit_in_bytes", group.limit ? Bytes(*group.limit) : no_limit);
+    tree_.Write(path + "usage_in_bytes", Bytes(group.usage));
+    tree_.Write(path + "stat", "inactive_file 0\nactive_file 0\ntotal_inactive_file " +
+                                   Bytes(group.inactive_file) + "total_active_file " +
+                                   Bytes(group.active_file));
+    tree_.Write(path + "memsw.limit_in_bytes",
+                group.swap_limit ? Bytes(*group.swap_limit) : no_limit);
+    tree_.Write(path + "memsw.usage_in_bytes", Bytes(group.swap_usage));
+    tree_.Write(path + "use_hierarchy", "1\n");
+  }
+
+  // A service below a slice without limits, as systemd lays them out.
+  void WriteService(const Group& service) {
+    tree_.WriteGroups("0::/system.slice/render.service\n");
+    tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
+    WriteV2("/system.slice", {{}, 3072, 500, 100});
+    WriteV2("/system.slice/render.service", service);
+  }
+
+  // Both figures in MiB.
+  void ExpectStatus(std::uint64_t available, std::uint64_t committable) {
+    const auto status = ReadMemoryStatus(tree_.root());
+    ASSERT_TRUE(status);
+    EXPECT_EQ(status->total_physical, 16384 * kMebibyte);
+    EXPECT_EQ(status->available_physical, available * kMebibyte);
+    EXPECT_EQ(status->committable, committable * kMebibyte);
+  }
+
+  MachineTree tree_;
+};
+
+// The group of a container: 512 - (300 - 120 - 60 - 8), and 512 - 40 of swap.
+constexpr Group kContainer = {512, 300, 120, 60, 8, 512, 40};
+
+TEST_F(MemoryStatusTest, ContainerOnVersion2InItsOwnNamespace) {
+  tree_.WriteGroups("0::/\n");
+  tree_.WriteMounts("1046 1042 0:68 / /sys ro - sysfs sysfs ro\n" + MountV2("/", "/sys/fs/cgroup"));
+  WriteV2("", kContainer);
+  ExpectStatus(400, 472);
+}
+
+TEST_F(MemoryStatusTest, ContainerOnVersion2InTheMachinesNamespace) {
+  tree_.WriteGroups("0::/system.slice/docker-7c1f.scope\n");
+  tree_.WriteMounts(MountV2("/system.slice/docker-7c1f.scope", "/sys/fs/cgroup"));
+  WriteV2("", kContainer);
+  ExpectStatus(400, 472);
+}
+
+// 512 - (300 - 120 - 60), and 768 - (400 - 120 - 60) of memory and swap.
+TEST_F(MemoryStatusTest, ContainerOnVersion1) {
+  tree_.WriteGroups("4:cpuset:/docker/7c1f\n3:memory:/docker/7c1f\n2:cpu,cpuacct:/docker/7c1f\n");
+  tree_.WriteMounts(
+      "1049 1047 0:32 /docker/7c1f /sys/fs/cgroup/cpuset ro - cgroup cgroup rw,cpuset\n" +
+      MountV1("/docker/7c1f", "/sys/fs/cgroup/memory"));
+  WriteV1("", {512, 300, 120, 60, 0, 768, 400});
+  ExpectStatus(392, 156);
+}
+
+// The pod is the tightest group: 1280 - (900 - 70 - 50 - 10). Its container would have 1532.
+TEST_F(MemoryStatusTest, PodIsTighterThanItsContainer) {
+  WriteMeminfo(/*swap=*/0, /*committed=*/6144);
+  tree_.WriteGroups("0::/kubepods.slice/pod0c5a.slice/cri-7c1f.scope\n");
+  tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
+  WriteV2("/kubepods.slice", {15360, 4096, 700, 200, 80});
+  WriteV2("/kubepods.slice/pod0c5a.slice", {1280, 900, 70, 50, 10, 0});
+  WriteV2("/kubepods.slice/pod0c5a.slice/cri-7c1f.scope", {2048, 600, 50, 30, 4, 0});
+  ExpectStatus(510, 0);
+}
+
+// Only the user's slice has limits: 4096 - (3072 - 700 - 200 - 60), and 1024 - 256 of swap. The
+// process's own group uses twice its memory.high.
+TEST_F(MemoryStatusTest, SliceLimitsThrottledGroup) {
+  tree_.WriteGroups("0::/user.slice/user-1000.slice/user@1000.service/app.slice/shell.scope\n");
+  tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
+  WriteV2("/user.slice", {{}, 2048, 500, 100});
+  WriteV2("/user.slice/user-1000.slice", {4096, 3072, 700, 200, 60, 1024, 256});
+  WriteV2("/user.slice/user-1000.slice/user@1000.service", {{}, 2048, 500, 100});
+  WriteV2("/user.slice/user-1000.slice/user@1000.service/app.slice", {{}, 2048, 500, 100});
+  const std::string own = "/user.slice/user-1000.slice/user@1000.service/app.slice/shell.scope";
+  WriteV2(own, {{}, 2048, 500, 100});
+  tree_.Write("/sys/fs/cgroup" + own + "/memory.high", Bytes(1024));
+  ExpectStatus(1984, 768);
+}
+
+// 1024 - (400 - 50 - 30).
+TEST_F(MemoryStatusTest, HybridMachineWithMemoryOnVersion1) {
+  WriteMeminfo(/*swap=*/0, /*committed=*/6144);
+  tree_.WriteGroups(
+      "3:memory:/system.slice/render.service\n2:cpuset:/\n0::/system.slice/render.service\n");
+  tree_.WriteMounts("30 23 0:26 / /sys/fs/cgroup ro - tmpfs tmpfs ro,mode=755\n" +
+                    MountV2("/", "/sys/fs/cgroup/unified") + MountV1("/", "/sys/fs/cgroup/memory"));
+  WriteV1("", {{}, 5120, 1500, 900, 0, {}, 5120});
+  WriteV1("/system.slice", {{}, 2048, 500, 100, 0, {}, 2048});
+  WriteV1("/system.slice/render.service", {1024, 400, 50, 30, 0, {}, 400});
+  ExpectStatus(704, 0);
+}
+
+// 1024 - (400 - 50 - 30 - 2).
+TEST_F(MemoryStatusTest, HybridMachineWithMemoryOnVersion2) {
+  WriteMeminfo(/*swap=*/0, /*committed=*/6144);
+  tree_.WriteGroups(
+      "2:cpu,cpuacct:/\n1:name=systemd:/system.slice/render.service\n0::/render.service\n");
+  tree_.WriteMounts(
+      MountV2("/", "/sys/fs/cgroup/unified") +
+      "32 30 0:28 / /sys/fs/cgroup/systemd rw - cgroup cgroup rw,xattr,name=systemd\n");
+  WriteV2("/unified/render.service", {1024, 400, 50, 30, 2});
+  ExpectStatus(706, 0);
+}
+
+TEST_F(MemoryStatusTest, LimitAboveMachinesRamChangesNothing) {
+  WriteService({65536, 2048, 500, 100});
+  ExpectStatus(10240, 2048);
+}
+
+TEST_F(MemoryStatusTest, LimitBelowUsageLeavesNothing) {
+  WriteService({256, 700, 20, 10, 4, 0});
+  ExpectStatus(0, 0);
+}
+
+// 2048 - (500 - 120 - 60 - 4). 3072 may still be committed.
+TEST_F(MemoryStatusTest, StrictOvercommitInGroup) {
+  WriteMeminfo(/*swap=*/2048, /*committed=*/7168);
+  tree_.Write("/proc/sys/vm/overcommit_memory", "2\n");
+  WriteService({2048, 500, 120, 60, 4, 512});
+  ExpectStatus(1732, 512);
+}
+
+// Debian's kernel 6.1 with version 2, swap and a limit on the parent group of 268435456 bytes. Used
+// are 221425664, of which 157290496 of file pages and 378272 of slab can be reclaimed. A file of
+// 150 MiB had been read in the group, and a process held 60 MiB.
+TEST(RecordedMachineTest, Linux61UnderLoad) {
+  const auto status = ReadMemoryStatus(KESTRELCORE_MACHINES "/linux_6_1");
+  ASSERT_TRUE(status);
+  EXPECT_EQ(status->total_physical, 2026000U * 1024);
+  EXPECT_EQ(status->available_physical, 204678560U);
+  EXPECT_EQ(status->committable, 67108864U);
+}
+
+TEST(RecordedMachineTest, MachineWithoutFilesHasNoStatus) {
+  EXPECT_EQ(ReadMemoryStatus(KESTRELCORE_MACHINES "/none"), std::nullopt);
+  EXPECT_EQ(ReadMemoryStatus(std::string(5000, '/')), std::nullopt);
+}
+
+// Two queries never agree to the byte, so only figures of one query are compared.
+TEST(MemoryStatusOfThisMachineTest, AvailableIsPartOfTotal) {
+  const auto status = ReadMemoryStatus("");
+  ASSERT_TRUE(status);
+  EXPECT_GT(status->total_physical, 0U);
+  EXPECT_LE(status->available_physical, status->total_physical);
+}
+
+}  // namespace
+}  // namespace kestrel::tests
