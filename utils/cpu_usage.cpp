@@ -58,8 +58,8 @@ float PercentOfMachine(const Interval& interval) noexcept {
   return static_cast<float>(ConsumedSeconds(interval) / capacity * kPercent);
 }
 
-// Reports and returns `nullopt` if a sample fails or no time elapsed. Returns it without a report if
-// the processors cannot be counted: there is no message for that.
+// Reports and returns `nullopt` if a sample fails or no time elapsed. Returns it without a report
+// if the processors cannot be counted: there is no message for that.
 std::optional<Interval> Measure(const platform::Process& process, int pid, int split_ms,
                                 DiagnosticSink sink) noexcept {
   const auto first = process.Times();

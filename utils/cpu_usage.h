@@ -13,11 +13,13 @@ namespace kestrel_utils {
 /// the caller's own included.
 ///
 /// Returns -1.0 and writes one line to standard error when `pid` is below 1, no such process can
-/// be opened, one of its two samples fails, or no wall-clock time elapsed. Returns -1.0 without a line
-/// when the logical processors cannot be counted: on Linux with only one file descriptor left, or
-/// without both "/sys" and /proc/stat. A failed call returns at the step that failed. On Linux a zombie still counts as a process (it uses 0 percent), and a
-/// thread's id does not; "/proc" must be mounted, and that of the caller's own
-/// process namespace.
+/// be opened, one of its two samples fails, or no wall-clock time elapsed. Returns -1.0 without a
+/// line when the logical processors cannot be counted: on Linux with only one file descriptor left,
+/// or without both "/sys" and /proc/stat. A failed call returns at the step that failed.
+///
+/// On Linux a zombie still counts as a process (it uses 0 percent), and a thread's id does not.
+/// "/proc" must be mounted, and that of the caller's own process namespace: with another one every
+/// call fails, unless the caller has the same pid in both namespaces, which is not detected.
 ///
 /// Never throws, allocates nothing, and may run on any number of threads at once. Do not cancel
 /// (pthread_cancel) a thread inside it.

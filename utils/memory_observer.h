@@ -36,9 +36,11 @@ class MemoryObserver {
 
   /// The resident memory (working set) of process `pid`; a positive number for the caller's own.
   /// Returns -1 (`kRamMeterErrorCode`) with a line on standard error when `pid` is below 1 or no
-  /// such process can be opened, and -1 without one when its counters cannot be read. On Linux a
-  /// zombie holds 0 bytes, and a thread's id is not a process; "/proc" must be
-  /// mounted, and that of the caller's own process namespace.
+  /// such process can be opened, and -1 without one when its counters cannot be read.
+  ///
+  /// On Linux a zombie holds 0 bytes, and a thread's id is not a process. "/proc" must be mounted,
+  /// and that of the caller's own process namespace: with another one every call fails, unless the
+  /// caller has the same pid in both namespaces, which is not detected.
   [[nodiscard]] KESTRELCORE_EXPORT static long long getProcessUsedRAM(int pid) noexcept;
 
   /// The total VRAM of all HIP devices, from each device's properties. Returns 0 with a line on
