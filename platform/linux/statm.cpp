@@ -9,7 +9,8 @@ std::optional<std::uint64_t> ParseResidentPages(std::string_view statm) noexcept
     return std::nullopt;
   }
   statm.remove_prefix(1);
-  return TakeNumber(statm);
+  const auto resident = TakeNumber(statm);
+  return !statm.empty() && statm.front() == ' ' ? resident : std::nullopt;
 }
 
 }  // namespace kestrel::platform

@@ -20,5 +20,11 @@ TEST(StatmTest, MalformedTextHasNoResidentSet) {
   }
 }
 
+TEST(StatmTest, TextTruncatedInTheSecondNumberHasNoResidentSet) {
+  for (const char* const text : {"1803 1", "1803 106", "1803 1067"}) {
+    EXPECT_FALSE(ParseResidentPages(text)) << text;
+  }
+}
+
 }  // namespace
 }  // namespace kestrel::tests
