@@ -9,8 +9,13 @@
 
 namespace kestrel::platform {
 
-FileDescriptor::FileDescriptor(int directory, const char* path) noexcept
-    : descriptor_(openat(directory, path, O_RDONLY | O_CLOEXEC)) {}
+// A signal can interrupt an open: a file system in user space may serve parts of "/proc" and "/sys"
+// in a container.
+FileDescriptor::FileDescriptor(int directory, const char* path) noexcept {
+  do {
+    descriptor_ = openat(directory, path, O_RDONLY | O_CLOEXEC);
+  } while (descriptor_ < 0 && errno == EINTR);
+}
 
 FileDescriptor::~FileDescriptor() {
   if (is_open()) {

@@ -14,6 +14,7 @@ namespace kestrel::platform {
 class FileDescriptor {
  public:
   // Opens read-only and close-on-exec, relative to `directory` (AT_FDCWD: the working directory).
+  // If that fails, `is_open` returns false and errno has the reason.
   FileDescriptor(int directory, const char* path) noexcept;
   explicit FileDescriptor(int descriptor) noexcept : descriptor_(descriptor) {}
   FileDescriptor(const FileDescriptor&) = delete;
@@ -26,7 +27,7 @@ class FileDescriptor {
   [[nodiscard]] int release() noexcept { return std::exchange(descriptor_, -1); }
 
  private:
-  int descriptor_;
+  int descriptor_ = -1;
 };
 
 // Reads from the beginning of the file in one call. Returns `nullopt` if the read fails; a text

@@ -9,6 +9,8 @@
 #include <fstream>
 #include <string>
 
+#include "tests/platform/linux/interrupted_open.h"
+
 namespace kestrel::tests {
 namespace {
 
@@ -34,6 +36,12 @@ TEST_F(TextFileTest, UnreadableFileHasNoText) {
   std::array<char, 16> buffer;
   EXPECT_FALSE(ReadTextFile("/nowhere/at/all", buffer.data(), buffer.size()));
   EXPECT_FALSE(ReadTextFile("/", buffer.data(), buffer.size()));
+}
+
+TEST_F(TextFileTest, InterruptedOpenIsRepeated) {
+  std::array<char, 16> buffer;
+  InterruptOpens(2);
+  EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "a text");
 }
 
 TEST_F(TextFileTest, DescriptorClosesItselfUnlessReleased) {

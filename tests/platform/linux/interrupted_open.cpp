@@ -1,0 +1,30 @@
+#include "tests/platform/linux/interrupted_open.h"
+
+// Without <fcntl.h>: its openat is inline where the C library checks arguments, and could then not
+// be defined here.
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace kestrel::tests {
+
+namespace {
+
+int interruptions_left = 0;
+
+}  // namespace
+
+void InterruptOpens(int count) { interruptions_left = count; }
+
+}  // namespace kestrel::tests
+
+// The program's own definition comes before that of the C library.
+extern "C" int openat(int directory, const char* path, int flags, ...) {
+  if (kestrel::tests::interruptions_left > 0) {
+    --kestrel::tests::interruptions_left;
+    errno = EINTR;
+    return -1;
+  }
+  return static_cast<int>(syscall(SYS_openat, directory, path, flags, 0));
+}
