@@ -1,4 +1,10 @@
+#include <poll.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
 #include <ctime>
+#include <limits>
 
 #include "platform/platform.h"
 
@@ -7,6 +13,15 @@ namespace kestrel::platform {
 namespace {
 
 constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
+constexpr std::int64_t kNanosecondsPerMillisecond = 1'000'000;
+
+// Ends up to a millisecond late, never early.
+void SleepUntilByPolling(std::int64_t deadline_nanoseconds) noexcept {
+  const std::int64_t left = deadline_nanoseconds - SteadyClockNanoseconds();
+  constexpr std::int64_t kLongest = std::numeric_limits<int>::max();
+  const std::int64_t timeout = left < 0 ? 0 : left / kNanosecondsPerMillisecond + 1;
+  poll(nullptr, 0, static_cast<int>(std::min(timeout, kLongest)));
+}
 
 }  // namespace
 
@@ -21,7 +36,12 @@ void SleepUntil(std::int64_t deadline_nanoseconds) noexcept {
   timespec deadline{};
   deadline.tv_sec = deadline_nanoseconds / kNanosecondsPerSecond;
   deadline.tv_nsec = deadline_nanoseconds % kNanosecondsPerSecond;
-  clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &deadline, nullptr);
+  const int error = clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &deadline, nullptr);
+  // Filters of system calls that are older than this one refuse it. The caller would spin through
+  // the interval then. std::this_thread::sleep_for makes the same call, so it is no replacement.
+  if (error != 0 && error != EINTR) {
+    SleepUntilByPolling(deadline_nanoseconds);
+  }
 }
 
 }  // namespace kestrel::platform
