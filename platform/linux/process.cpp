@@ -24,9 +24,25 @@ namespace {
 constexpr std::uint64_t kTimeUnitsPerSecond = 10'000'000;  // of 100 ns
 constexpr std::uint64_t kNanosecondsPerTimeUnit = 100;
 
+bool HasOwnThreadGroup(int pid) noexcept {
+  std::array<char, 32> path;
+  std::snprintf(path.data(), path.size(), "/proc/%d/status", pid);
+  std::array<char, 512> buffer;  // "Tgid" is the fourth line
+  const auto status = ReadTextFile(path.data(), buffer.data(), buffer.size());
+  auto group = status ? FindLine(*status, "Tgid:\t") : std::nullopt;
+  return group && TakeNumber(*group) == static_cast<std::uint64_t>(pid);
+}
+
 // "/proc/<id>" can be opened for the id of any thread, but only a process id is the id of a thread
-// group. Signal 0 checks and sends no signal; EPERM means that the process belongs to another user.
-bool IsProcess(int pid) noexcept { return syscall(SYS_tgkill, pid, pid, 0) == 0 || errno == EPERM; }
+// group. Signal 0 checks that and sends no signal. Any error but ESRCH and EINVAL may come from a
+// filter or a security module that refused the call unseen: for a process of another user, EPERM
+// from the kernel cannot be distinguished from theirs.
+bool IsProcess(int pid) noexcept {
+  if (syscall(SYS_tgkill, pid, pid, 0) == 0) {
+    return true;
+  }
+  return errno != ESRCH && errno != EINVAL && HasOwnThreadGroup(pid);
+}
 
 std::optional<std::uint64_t> ReadResidentPages(int statm) noexcept {
   std::array<char, 160> buffer;  // seven numbers of at most 20 digits each

@@ -9,7 +9,10 @@
 
 #include <array>
 #include <atomic>
+#include <cerrno>
+#include <cstdint>
 #include <fstream>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -17,6 +20,7 @@
 
 #include "platform/platform.h"
 #include "tests/platform/linux/child_process.h"
+#include "tests/platform/linux/refused_calls.h"
 
 namespace kestrel::tests {
 namespace {
@@ -162,6 +166,24 @@ TEST(LinuxProcessTest, ProcessWhoseThreadsCannotBeOpenedReturnsNoFigure) {
       }
     });
     EXPECT_TRUE(outcome.ran) << left << " left: " << outcome.diagnostics;
+  }
+}
+
+// As seccomp filters and security modules do. The kernel's own answer is then not known.
+TEST(LinuxProcessTest, WhereThreadGroupProbeIsRefusedOnlyProcessesOpen) {
+  for (const int error : {EACCES, EPERM, ENOSYS}) {
+    const Outcome outcome = RunApart([error] {
+      RefuseCalls(SYS_tgkill, error);
+      if (!OpensAs(getpid())) {
+        throw std::runtime_error("a process did not open");
+      }
+      bool thread_opened = false;
+      std::thread([&] { thread_opened = OpensAs(gettid()); }).join();
+      if (thread_opened) {
+        throw std::runtime_error("a thread opened");
+      }
+    });
+    EXPECT_TRUE(outcome.ran) << error << ": " << outcome.diagnostics;
   }
 }
 
