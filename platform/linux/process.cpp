@@ -44,21 +44,22 @@ bool IsProcess(int pid) noexcept {
   return errno != ESRCH && errno != EINVAL && HasOwnThreadGroup(pid);
 }
 
+// Returns `nullopt` and sets errno if the read fails; if the text is malformed, it sets errno to 0.
 std::optional<std::uint64_t> ReadResidentPages(int statm) noexcept {
   std::array<char, 160> buffer;  // seven numbers of at most 20 digits each
+  errno = 0;
   const auto text = ReadFromStart(statm, buffer.data(), buffer.size());
   return text ? ParseResidentPages(*text) : std::nullopt;
 }
 
-// Returns 0 for a thread that has ended in the meantime; `nullopt` if it cannot be opened.
+// Returns 0 for a thread that has ended in the meantime; `nullopt` if it cannot be read.
 std::optional<std::uint64_t> ResidentPagesOfThread(int tasks, const char* thread) noexcept {
   std::array<char, 32> path;
   std::snprintf(path.data(), path.size(), "%.20s/statm", thread);
   const FileDescriptor statm(tasks, path.data());
-  if (!statm.is_open()) {
-    return errno == ENOENT || errno == ESRCH ? std::optional<std::uint64_t>(0) : std::nullopt;
-  }
-  return ReadResidentPages(statm.get()).value_or(0);
+  const auto pages = statm.is_open() ? ReadResidentPages(statm.get()) : std::nullopt;
+  const bool has_ended = !pages && (errno == ENOENT || errno == ESRCH);
+  return has_ended ? std::optional<std::uint64_t>(0) : pages;
 }
 
 // Once the first thread of a process has ended, the statm of the process reads as zeros although

@@ -169,6 +169,37 @@ TEST(LinuxProcessTest, ProcessWhoseThreadsCannotBeOpenedReturnsNoFigure) {
   }
 }
 
+// The handle has the first free descriptor, the folder of the threads the second, and the statm of
+// each thread in turn the third.
+Outcome ReadMemoryWhileThreadsFailWith(int error, pid_t pid,
+                                       std::optional<std::uint64_t> expected) {
+  return RunApart([error, pid, expected] {
+    const int first = dup(STDERR_FILENO);
+    close(first);
+    const auto process = Process::Open(pid, ProcessRights::kMemory);
+    RefuseCalls(SYS_pread64, error, static_cast<std::uint32_t>(first + 2));
+    if (!process || process->ResidentBytes() != expected) {
+      throw std::runtime_error("another figure was returned");
+    }
+  });
+}
+
+TEST(LinuxProcessTest, ProcessWhoseThreadsCannotBeReadReturnsNoFigure) {
+  const ChildProcess child(LiveWithoutFirstThread);
+  child.AwaitFirstThreadsEnd();
+  for (const int error : {EIO, ENOMEM}) {
+    const Outcome outcome = ReadMemoryWhileThreadsFailWith(error, child.pid(), std::nullopt);
+    EXPECT_TRUE(outcome.ran) << error << ": " << outcome.diagnostics;
+  }
+}
+
+TEST(LinuxProcessTest, ThreadsThatEndBeforeTheyAreReadHoldNoMemory) {
+  const ChildProcess child(LiveWithoutFirstThread);
+  child.AwaitFirstThreadsEnd();
+  const Outcome outcome = ReadMemoryWhileThreadsFailWith(ESRCH, child.pid(), 0);
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
 // As seccomp filters and security modules do. The kernel's own answer is then not known.
 TEST(LinuxProcessTest, WhereThreadGroupProbeIsRefusedOnlyProcessesOpen) {
   for (const int error : {EACCES, EPERM, ENOSYS}) {
