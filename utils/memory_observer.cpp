@@ -33,9 +33,15 @@ bool PredictAllocationFailure(long long bytes, DiagnosticSink sink) noexcept {
     (DiagnosticLine(sink) << "Failed to get global memory status.").EndLine();
     return false;
   }
-  const auto wanted = static_cast<std::uint64_t>(bytes);
-  return wanted > status->available_physical &&
-         wanted - status->available_physical > status->committable;
+  return MissingBytes(static_cast<std::uint64_t>(bytes), *status) > 0;
+}
+
+std::uint64_t MissingBytes(std::uint64_t bytes, const platform::MemoryStatus& status) noexcept {
+  if (bytes <= status.available_physical) {
+    return 0;
+  }
+  const std::uint64_t beyond = bytes - status.available_physical;
+  return beyond > status.committable ? beyond - status.committable : 0;
 }
 
 const int MemoryObserver::kRamMeterErrorCode = -1;

@@ -2,7 +2,6 @@
 
 #include <hip/hip_runtime_api.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <new>
 #include <optional>
@@ -27,20 +26,6 @@ hipError_t Guarded(Call call) noexcept {
   }
 }
 
-hipError_t DeviceCount(int& count) noexcept {
-  return Guarded([&] { return hipGetDeviceCount(&count); });
-}
-
-// The runtime's text for a status; empty if it has none.
-const char* ErrorText(hipError_t status) noexcept {
-  const char* text = nullptr;
-  static_cast<void>(Guarded([&] {
-    text = hipGetErrorString(status);
-    return hipSuccess;
-  }));
-  return text != nullptr ? text : "";
-}
-
 std::optional<std::uint64_t> TotalMemoryOf(int device, DiagnosticSink sink) noexcept {
   hipDeviceProp_t properties{};
   const hipError_t status = Guarded([&] { return hipGetDeviceProperties(&properties, device); });
@@ -53,17 +38,33 @@ std::optional<std::uint64_t> TotalMemoryOf(int device, DiagnosticSink sink) noex
   return properties.totalGlobalMem;
 }
 
-// 0 unless both calls succeed: if the first fails, the second answers for another device. Which HIP
-// calls a meter makes is fixed, so the second is made either way.
 std::uint64_t FreeMemoryOf(int device) noexcept {
-  std::size_t free = 0;
-  std::size_t total = 0;
-  const hipError_t selected = Guarded([&] { return hipSetDevice(device); });
-  const hipError_t queried = Guarded([&] { return hipMemGetInfo(&free, &total); });
-  return selected == hipSuccess && queried == hipSuccess ? free : 0;
+  const DeviceMemory memory = QueryDeviceMemory(device);
+  return memory.selected == hipSuccess && memory.queried == hipSuccess ? memory.free : 0;
 }
 
 }  // namespace
+
+hipError_t DeviceCount(int& count) noexcept {
+  return Guarded([&] { return hipGetDeviceCount(&count); });
+}
+
+const char* ErrorText(hipError_t status) noexcept {
+  const char* text = nullptr;
+  static_cast<void>(Guarded([&] {
+    text = hipGetErrorString(status);
+    return hipSuccess;
+  }));
+  return text != nullptr ? text : "";
+}
+
+// Which HIP calls a meter makes is fixed, so the second is made either way.
+DeviceMemory QueryDeviceMemory(int device) noexcept {
+  DeviceMemory memory;
+  memory.selected = Guarded([&] { return hipSetDevice(device); });
+  memory.queried = Guarded([&] { return hipMemGetInfo(&memory.free, &memory.total); });
+  return memory;
+}
 
 // Sums are unsigned, so that nonsense figures of a runtime wrap instead of overflowing.
 
