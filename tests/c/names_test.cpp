@@ -1,0 +1,107 @@
+// The names of the C interface are those of the C++ interface, for numbers outside the enumerations
+// too.
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <set>
+#include <string>
+#include <unordered_set>
+
+#include "c/kestrelcore.h"
+#include "system/cpu_info.h"
+#include "system/gpu_info.h"
+
+namespace kestrel::tests {
+namespace {
+
+using system::CpuArchitecture;
+using system::CpuInstructionSetExtension;
+using system::GpuIntegrationType;
+using system::GpuSoftwarePlatform;
+
+constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
+
+std::set<std::int32_t> NumbersToTry() {
+  std::set<std::int32_t> numbers = {kLowest, kHighest};
+  for (std::int32_t number = -3; number < 12; ++number) {
+    numbers.insert(number);
+  }
+  return numbers;
+}
+
+TEST(NamesTest, ArchitectureNamesEqualThoseOfTheCppInterface) {
+  for (const std::int32_t number : NumbersToTry()) {
+    EXPECT_EQ(kestrel_cpu_architecture_name(number),
+              system::CpuArchitectureToStr(static_cast<CpuArchitecture>(number)));
+  }
+}
+
+TEST(NamesTest, ExtensionNamesEqualThoseOfTheCppInterface) {
+  for (const std::int32_t number : {0, 1, 2, 3, 4}) {
+    EXPECT_EQ(
+        kestrel_cpu_extension_name(std::uint32_t{1} << static_cast<std::uint32_t>(number)),
+        system::CpuInstructionSetExtensionToStr(static_cast<CpuInstructionSetExtension>(number)));
+  }
+}
+
+TEST(NamesTest, JoinedExtensionNamesEqualThoseOfTheCppInterface) {
+  for (std::uint32_t bits = 0; bits < 8; ++bits) {
+    std::unordered_set<CpuInstructionSetExtension> extensions;
+    for (const std::uint32_t number : {0U, 1U, 2U}) {
+      if ((bits >> number & 1U) != 0) {
+        extensions.insert(static_cast<CpuInstructionSetExtension>(number));
+      }
+    }
+    EXPECT_EQ(kestrel_cpu_extension_names(bits),
+              system::CpuInstructionSetExtensionsToStr(extensions));
+  }
+}
+
+TEST(NamesTest, BitsThatAreNoExtensionAreIgnored) {
+  EXPECT_STREQ(kestrel_cpu_extension_names(0xFFFFFFF8U), "");
+  EXPECT_STREQ(kestrel_cpu_extension_names(0xFFFFFFF9U), "AVX");
+}
+
+TEST(NamesTest, IntegrationNamesEqualThoseOfTheCppInterface) {
+  for (const std::int32_t number : NumbersToTry()) {
+    EXPECT_EQ(kestrel_gpu_integration_name(number),
+              system::GpuIntegrationTypeToStr(static_cast<GpuIntegrationType>(number)));
+  }
+}
+
+TEST(NamesTest, PlatformNamesEqualThoseOfTheCppInterface) {
+  for (const std::int32_t number : NumbersToTry()) {
+    EXPECT_EQ(kestrel_gpu_platform_name(number),
+              system::GpuSoftwarePlatformToStr(static_cast<GpuSoftwarePlatform>(number)));
+  }
+}
+
+TEST(NamesTest, EveryStatusHasANameOfItsOwn) {
+  std::set<std::string> names;
+  for (kestrel_status status = KESTREL_OK; status <= KESTREL_RUNTIME_FAILED; ++status) {
+    names.insert(kestrel_status_name(status));
+  }
+  EXPECT_EQ(names.size(), 11U);
+  EXPECT_EQ(names.count("KESTREL_STATUS_UNKNOWN"), 0U);
+  EXPECT_STREQ(kestrel_status_name(KESTREL_NO_DEVICES), "KESTREL_NO_DEVICES");
+}
+
+TEST(NamesTest, NumberThatIsNoStatusIsUnknown) {
+  for (const kestrel_status status : {-1, KESTREL_RUNTIME_FAILED + 1, kLowest, kHighest}) {
+    EXPECT_STREQ(kestrel_status_name(status), "KESTREL_STATUS_UNKNOWN");
+  }
+}
+
+TEST(NamesTest, VersionTextHoldsTheThreeNumbersOfTheVersion) {
+  const std::uint32_t version = kestrel_version();
+  EXPECT_EQ(version, static_cast<std::uint32_t>(KESTREL_VERSION));
+  EXPECT_EQ(kestrel_version_text(), std::to_string(version >> 16) + "." +
+                                        std::to_string(version >> 8 & 255U) + "." +
+                                        std::to_string(version & 255U));
+}
+
+}  // namespace
+}  // namespace kestrel::tests
