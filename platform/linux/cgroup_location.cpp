@@ -52,14 +52,11 @@ struct OwnGroup {
 // Returns false if the file names no memory group. Lines are "4:cpu,memory:/path" for version 1 and
 // "0::/path" for version 2 (cgroups(7)). The path may contain colons, but no newlines, and is not
 // escaped.
-bool ReadGroup(std::string_view root, std::string_view groups_file, OwnGroup& own) noexcept {
-  PathBuffer file;
-  if (!file.Append(root) || !file.Append(groups_file)) {
-    return false;
-  }
+bool ReadGroup(std::string_view root, std::string_view groups_file, OwnGroup& own,
+               bool& failed) noexcept {
   bool found = false;
   bool memory_v1 = false;
-  LineReader lines(file.c_str());
+  LineReader lines(root, groups_file);
   while (auto line = memory_v1 ? std::nullopt : lines.Next()) {
     TakeField(*line, ':');
     const std::string_view controllers = TakeField(*line, ':');
@@ -70,12 +67,13 @@ bool ReadGroup(std::string_view root, std::string_view groups_file, OwnGroup& ow
       found = own.path.Append(WithoutRootSlash(*line));
     }
   }
+  failed = failed || lines.failed();
   return found;
 }
 
-bool ReadOwnGroup(std::string_view root, OwnGroup& own) noexcept {
-  const bool found = ReadGroup(root, kGroupsFile, own) && !own.path.view().empty();
-  return found || ReadGroup(root, kThreadsGroupsFile, own);
+bool ReadOwnGroup(std::string_view root, OwnGroup& own, bool& failed) noexcept {
+  const bool found = ReadGroup(root, kGroupsFile, own, failed) && !own.path.view().empty();
+  return found || ReadGroup(root, kThreadsGroupsFile, own, failed);
 }
 
 struct Mount {
@@ -149,8 +147,8 @@ bool IsAboveNamespace(std::string_view path) noexcept {
   return path.empty();
 }
 
-// Returns the group's path relative to the mount's root, or nullopt if the mount does not show the
-// group. Both paths are relative to the root of the reader's cgroup namespace and leave it by
+// Returns the group's path relative to the mount's root, or `nullopt` if the mount does not show
+// the group. Both paths are relative to the root of the reader's cgroup namespace and leave it by
 // "/.."; a "/.." that remains after the mount's root leaves the mount. A mount whose root is above
 // the namespace shows an ancestor of every group inside. The names of the groups between are not
 // known, so the result is that ancestor.
@@ -205,14 +203,11 @@ std::optional<MemoryCgroup> FindAtUsualPlace(const OwnGroup& own) noexcept {
 
 // Several mounts may show the group, as container runtimes mount only a part of the hierarchy. The
 // one that shows the longest part of the group's path, and so the most ancestors, is chosen.
-std::optional<MemoryCgroup> FindInMountTable(std::string_view root, const OwnGroup& own) noexcept {
-  PathBuffer file;
-  if (!file.Append(root) || !file.Append(kMountsFile)) {
-    return std::nullopt;
-  }
+std::optional<MemoryCgroup> FindInMountTable(std::string_view root, const OwnGroup& own,
+                                             bool& failed) noexcept {
   std::optional<MemoryCgroup> best;
   std::size_t most_shown = 0;
-  LineReader lines(file.c_str());
+  LineReader lines(root, kMountsFile);
   while (const auto line = lines.Next()) {
     const auto mount = ParseMemoryMount(*line, own.version);
     const auto below = mount ? PathBelow(mount->root, own.path.view()) : std::nullopt;
@@ -227,6 +222,7 @@ std::optional<MemoryCgroup> FindInMountTable(std::string_view root, const OwnGro
       break;
     }
   }
+  failed = failed || lines.failed();
   return best;
 }
 
@@ -234,13 +230,13 @@ std::optional<MemoryCgroup> FindInMountTable(std::string_view root, const OwnGro
 
 // The usual place can be checked on this machine only; the files of another are not a mounted
 // hierarchy.
-std::optional<MemoryCgroup> FindMemoryCgroup(std::string_view root) noexcept {
+std::optional<MemoryCgroup> FindMemoryCgroup(std::string_view root, bool& failed) noexcept {
   OwnGroup own;
-  if (!ReadOwnGroup(root, own)) {
+  if (!ReadOwnGroup(root, own, failed)) {
     return std::nullopt;
   }
   const auto usual = root.empty() ? FindAtUsualPlace(own) : std::nullopt;
-  return usual ? usual : FindInMountTable(root, own);
+  return usual ? usual : FindInMountTable(root, own, failed);
 }
 
 }  // namespace kestrel::platform

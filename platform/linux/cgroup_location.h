@@ -20,9 +20,11 @@ struct MemoryCgroup {
   std::size_t top_length = 0;  // length of the path prefix that names the topmost visible ancestor
 };
 
-// Finds the memory group to which the kernel charges the memory of this process. Returns nullopt if
-// there is none, no mount shows it, or a path is too long. All files are read below `root`: "" for
-// this machine, or a directory that holds the files of another.
-[[nodiscard]] std::optional<MemoryCgroup> FindMemoryCgroup(std::string_view root) noexcept;
+// Finds the memory group to which the kernel charges the memory of this process. Returns `nullopt`
+// if there is none, no mount shows it, or a path is too long; also sets `failed` if a file that
+// exists could not be read. All files are read below `root`: "" for this machine, or a directory
+// that holds the files of another.
+[[nodiscard]] std::optional<MemoryCgroup> FindMemoryCgroup(std::string_view root,
+                                                           bool& failed) noexcept;
 
 }  // namespace kestrel::platform

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <string_view>
 
 namespace kestrel::platform {
@@ -17,9 +18,11 @@ struct CgroupRoom {
   bool swaps_when_full = true;  // whether the kernel swaps once `physical` is used up
 };
 
-// Reads the room left now. Values that cannot be read count as unlimited. The swap figures are read
-// only `with_swap`. All files are read below `root`: "" for this machine, or a directory that holds
-// the files of another.
-[[nodiscard]] CgroupRoom ReadCgroupRoom(std::string_view root, bool with_swap) noexcept;
+// Reads the room left now. A figure whose files are absent or hold no number counts as unlimited.
+// Returns `nullopt` if a file that exists could not be read. The swap figures are read only
+// `with_swap`. All files are read below `root`: "" for this machine, or a directory that holds the
+// files of another.
+[[nodiscard]] std::optional<CgroupRoom> ReadCgroupRoom(std::string_view root,
+                                                       bool with_swap) noexcept;
 
 }  // namespace kestrel::platform

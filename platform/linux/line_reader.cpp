@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/linux/optional_file.h"
+#include "platform/linux/path_buffer.h"
+
 namespace kestrel::platform {
 
 namespace {
@@ -15,10 +18,21 @@ namespace {
 constexpr std::size_t kReadSize = 1024;
 constexpr int kMaximumReads = 1024;
 
+// Returns "", which no file has, if the path is too long.
+PathBuffer PathOf(std::string_view directory, std::string_view name) noexcept {
+  PathBuffer path;
+  if (!path.Append(directory) || !path.Append(name)) {
+    path.Truncate(0);
+  }
+  return path;
+}
+
 }  // namespace
 
-LineReader::LineReader(const char* path) noexcept
-    : file_(AT_FDCWD, path), reads_left_(file_.is_open() ? kMaximumReads : 0) {}
+LineReader::LineReader(std::string_view directory, std::string_view name) noexcept
+    : file_(AT_FDCWD, PathOf(directory, name).c_str()),
+      failed_(!file_.is_open() && !MeansAbsent(errno)),
+      reads_left_(file_.is_open() ? kMaximumReads : 0) {}
 
 std::optional<std::string_view> LineReader::Next() noexcept {
   for (;;) {
@@ -50,6 +64,7 @@ bool LineReader::Refill() noexcept {
     --reads_left_;
     count = read(file_.get(), buffer_.data() + end_, size);
     if (count < 0 && errno != EINTR) {
+      failed_ = !MeansAbsent(errno);
       break;
     }
   }

@@ -15,12 +15,16 @@ class LineReader {
   // The longest line, with its newline.
   static constexpr std::size_t kCapacity = 2048;
 
-  explicit LineReader(const char* path) noexcept;
+  // The file is `name`, which begins with "/", below `directory`.
+  LineReader(std::string_view directory, std::string_view name) noexcept;
 
-  // Returns the next line without its newline, valid until the next call. Returns nullopt at the
+  // Returns the next line without its newline, valid until the next call. Returns `nullopt` at the
   // end of the file, after a failure (a file that cannot be opened has no lines), and after 1 MiB.
   // Lines longer than the buffer are skipped, and so is a last line without a newline.
   [[nodiscard]] std::optional<std::string_view> Next() noexcept;
+
+  // Whether opening or reading the file failed although it is not absent (MeansAbsent).
+  [[nodiscard]] bool failed() const noexcept { return failed_; }
 
  private:
   // Returns false if no more text could be read.
@@ -31,6 +35,7 @@ class LineReader {
   std::size_t begin_ = 0;
   std::size_t end_ = 0;
   bool in_long_line_ = false;
+  bool failed_;
   int reads_left_;
 };
 

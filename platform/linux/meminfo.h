@@ -16,7 +16,7 @@ struct Meminfo {
   std::uint64_t committed = 0;                                             // Committed_AS
 };
 
-// Returns nullopt unless every figure is on a line of its own in the kernel's format
+// Returns `nullopt` unless every figure is on a line of its own in the kernel's format
 // ("Name: <number> kB") and fits in 64 bits, and MemAvailable does not exceed MemTotal. CommitLimit
 // and Committed_AS may be missing, which means no limit: sandboxes that implement the kernel's
 // interface in user space leave them out.

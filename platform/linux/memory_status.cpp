@@ -4,29 +4,23 @@
 
 #include "platform/linux/cgroup_memory.h"
 #include "platform/linux/memory_policy.h"
-#include "platform/linux/path_buffer.h"
-#include "platform/linux/text_file.h"
+#include "platform/linux/optional_file.h"
 
 namespace kestrel::platform {
 
 namespace {
 
-std::optional<std::string_view> ReadBelow(std::string_view root, std::string_view path,
-                                          char* buffer, std::size_t size) noexcept {
-  PathBuffer whole;
-  return whole.Append(root) && whole.Append(path) ? ReadTextFile(whole.c_str(), buffer, size)
-                                                  : std::nullopt;
-}
-
 std::optional<Meminfo> ReadMeminfo(std::string_view root) noexcept {
   std::array<char, 4096> buffer;  // Linux 6.12 writes 1.5 KiB
-  const auto text = ReadBelow(root, "/proc/meminfo", buffer.data(), buffer.size());
+  bool failed = false;            // without this file there is no answer, whatever the reason
+  const auto text = ReadOptionalFile(root, "/proc/meminfo", buffer.data(), buffer.size(), failed);
   return text ? ParseMeminfo(*text) : std::nullopt;
 }
 
-bool ReadStrictOvercommit(std::string_view root) noexcept {
+bool ReadStrictOvercommit(std::string_view root, bool& failed) noexcept {
   std::array<char, 16> buffer;
-  const auto text = ReadBelow(root, "/proc/sys/vm/overcommit_memory", buffer.data(), buffer.size());
+  const auto text = ReadOptionalFile(root, "/proc/sys/vm/overcommit_memory", buffer.data(),
+                                     buffer.size(), failed);
   return text && IsStrictOvercommit(*text);
 }
 
@@ -34,11 +28,13 @@ bool ReadStrictOvercommit(std::string_view root) noexcept {
 
 std::optional<MemoryStatus> ReadMemoryStatus(std::string_view root) noexcept {
   const auto meminfo = ReadMeminfo(root);
-  if (!meminfo) {
+  const auto room = meminfo ? ReadCgroupRoom(root, meminfo->swap_free > 0) : std::nullopt;
+  if (!room) {
     return std::nullopt;
   }
-  return ToMemoryStatus(*meminfo, ReadStrictOvercommit(root),
-                        ReadCgroupRoom(root, meminfo->swap_free > 0));
+  bool failed = false;
+  const bool strict = ReadStrictOvercommit(root, failed);
+  return failed ? std::nullopt : std::optional(ToMemoryStatus(*meminfo, strict, *room));
 }
 
 }  // namespace kestrel::platform

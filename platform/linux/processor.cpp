@@ -15,7 +15,7 @@ namespace {
 
 // The lines of the processors come first. A file that ends with them was not read in full.
 std::optional<std::uint32_t> CountProcessorsInProcStat() noexcept {
-  LineReader lines("/proc/stat");
+  LineReader lines("", "/proc/stat");
   std::uint32_t count = 0;
   auto line = lines.Next();
   for (; line && IsProcessorsLine(*line); line = lines.Next()) {

@@ -28,10 +28,12 @@ class CgroupLocationTest : public testing::Test {
 
   std::string Find() {
     const std::string root = tree_.root();
-    const auto group = FindMemoryCgroup(root);
+    bool failed = false;
+    const auto group = FindMemoryCgroup(root, failed);
     if (!group) {
-      return "none";
+      return failed ? "failed" : "none";
     }
+    EXPECT_FALSE(failed);
     std::string directory(group->directory.view());
     directory.insert(group->top_length, "|");
     EXPECT_EQ(directory.substr(0, root.size()), root);
@@ -202,7 +204,9 @@ TEST_F(CgroupLocationTest, OverlongPathIsSkipped) {
 TEST_F(CgroupLocationTest, OverlongRootHasNoGroup) {
   tree_.WriteGroups("0::/a\n");
   tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
-  EXPECT_FALSE(FindMemoryCgroup(tree_.root() + std::string(PathBuffer::kCapacity, '/')));
+  bool failed = false;
+  EXPECT_FALSE(FindMemoryCgroup(tree_.root() + std::string(PathBuffer::kCapacity, '/'), failed));
+  EXPECT_FALSE(failed);
 }
 
 TEST_F(CgroupLocationTest, OverlongMountPointIsSkipped) {
@@ -212,9 +216,11 @@ TEST_F(CgroupLocationTest, OverlongMountPointIsSkipped) {
   }
   tree_.WriteGroups("0::/a\n");
   tree_.WriteMounts(MountV2("/", "/" + std::string(300, 'm')));
-  EXPECT_FALSE(FindMemoryCgroup(root));
+  bool failed = false;
+  EXPECT_FALSE(FindMemoryCgroup(root, failed));
   tree_.WriteMounts(MountV2("/", "/" + std::string(100, 'm')));
-  EXPECT_TRUE(FindMemoryCgroup(root));
+  EXPECT_TRUE(FindMemoryCgroup(root, failed));
+  EXPECT_FALSE(failed);
 }
 
 TEST_F(CgroupLocationTest, MissingFilesGiveNoGroup) {
@@ -223,6 +229,18 @@ TEST_F(CgroupLocationTest, MissingFilesGiveNoGroup) {
   EXPECT_EQ(Find(), "none");
   tree_.WriteMounts("27 1 259:2 / / rw,relatime shared:1 - ext4 /dev/sda1 rw\n");
   EXPECT_EQ(Find(), "none");
+}
+
+TEST_F(CgroupLocationTest, UnreadableListOfGroupsFails) {
+  tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
+  tree_.MakeUnreadable("/proc/thread-self/cgroup");
+  EXPECT_EQ(Find(), "failed");
+}
+
+TEST_F(CgroupLocationTest, UnreadableMountTableFails) {
+  tree_.WriteGroups("0::/a\n");
+  tree_.MakeUnreadable("/proc/thread-self/mountinfo");
+  EXPECT_EQ(Find(), "failed");
 }
 
 TEST_F(CgroupLocationTest, MalformedFilesGiveNoGroup) {
@@ -240,10 +258,11 @@ TEST_F(CgroupLocationTest, MalformedFilesGiveNoGroup) {
 
 // The root "/." names this machine too, but switches the shortcut off.
 bool ShortcutAndMountTableAgree() {
-  const auto quickly = FindMemoryCgroup("");
-  const auto searched = FindMemoryCgroup("/.");
-  if (!quickly || !searched) {
-    return quickly.has_value() == searched.has_value();
+  bool failed = false;
+  const auto quickly = FindMemoryCgroup("", failed);
+  const auto searched = FindMemoryCgroup("/.", failed);
+  if (failed || !quickly || !searched) {
+    return !failed && quickly.has_value() == searched.has_value();
   }
   return quickly->version == searched->version && quickly->top_length + 2 == searched->top_length &&
          "/." + std::string(quickly->directory.view()) == searched->directory.view();

@@ -40,7 +40,11 @@ class CgroupMemoryV2Test : public testing::Test {
     Write(group, "stat", "inactive_file 0\nactive_file 0\nslab_reclaimable 0\n");
   }
 
-  CgroupRoom Read() { return ReadCgroupRoom(tree_.root(), /*with_swap=*/true); }
+  CgroupRoom Read() {
+    const auto room = ReadCgroupRoom(tree_.root(), /*with_swap=*/true);
+    EXPECT_TRUE(room);
+    return room.value_or(CgroupRoom{});
+  }
 
   MachineTree tree_;
 };
@@ -210,9 +214,10 @@ TEST_F(CgroupMemoryV2Test, SwapFilesAreNotReadWithoutSwap) {
   WriteGroup("/a/b", "1000", "100");
   Write("/a/b", "swap.max", "1000\n");
   Write("/a/b", "swap.current", "100\n");
-  const CgroupRoom room = ReadCgroupRoom(tree_.root(), /*with_swap=*/false);
-  EXPECT_EQ(room.swap, kUnlimited);
-  EXPECT_EQ(room.physical, 900U);
+  const auto room = ReadCgroupRoom(tree_.root(), /*with_swap=*/false);
+  ASSERT_TRUE(room);
+  EXPECT_EQ(room->swap, kUnlimited);
+  EXPECT_EQ(room->physical, 900U);
 }
 
 TEST_F(CgroupMemoryV2Test, FullGroupDoesNotSwapWithSwappiness0) {
@@ -224,10 +229,30 @@ TEST_F(CgroupMemoryV2Test, FullGroupDoesNotSwapWithSwappiness0) {
   EXPECT_TRUE(Read().swaps_when_full);
 }
 
-TEST_F(CgroupMemoryV2Test, Swappiness0DoesNotMatterWithoutLimit) {
-  tree_.Write("/proc/sys/vm/swappiness", "0\n");
-  WriteGroup("/a/b", "max", "100");
-  EXPECT_TRUE(Read().swaps_when_full);
+TEST_F(CgroupMemoryV2Test, UnreadableFileFails) {
+  const auto fails_without = [this](const std::string& file) {
+    WriteGroup("/a/b", "1000", "100");
+    Write("/a/b", "swap.max", "1000\n");
+    Write("/a/b", "swap.current", "100\n");
+    tree_.MakeUnreadable("/cg/a/b/memory." + file);
+    const bool fails = !ReadCgroupRoom(tree_.root(), /*with_swap=*/true);
+    tree_.Remove("/cg/a/b/memory." + file);
+    return fails;
+  };
+  for (const std::string file : {"max", "current", "stat", "swap.max", "swap.current"}) {
+    EXPECT_TRUE(fails_without(file)) << file;
+  }
+}
+
+TEST_F(CgroupMemoryV2Test, UnreadableSwappinessFails) {
+  tree_.MakeUnreadable("/proc/sys/vm/swappiness");
+  EXPECT_FALSE(ReadCgroupRoom(tree_.root(), /*with_swap=*/true));
+  EXPECT_TRUE(ReadCgroupRoom(tree_.root(), /*with_swap=*/false));
+}
+
+TEST_F(CgroupMemoryV2Test, UnreadableMountTableFails) {
+  tree_.MakeUnreadable("/proc/thread-self/mountinfo");
+  EXPECT_FALSE(ReadCgroupRoom(tree_.root(), /*with_swap=*/true));
 }
 
 class CgroupMemoryV1Test : public testing::Test {
@@ -254,7 +279,11 @@ class CgroupMemoryV1Test : public testing::Test {
     Write(group, "memsw.usage_in_bytes", usage + "\n");
   }
 
-  CgroupRoom Read() { return ReadCgroupRoom(tree_.root(), /*with_swap=*/true); }
+  CgroupRoom Read() {
+    const auto room = ReadCgroupRoom(tree_.root(), /*with_swap=*/true);
+    EXPECT_TRUE(room);
+    return room.value_or(CgroupRoom{});
+  }
 
   MachineTree tree_;
 };
@@ -346,6 +375,25 @@ TEST_F(CgroupMemoryV1Test, MalformedFigureGivesNoLimit) {
       EXPECT_EQ(Read().memory_and_swap, kUnlimited) << file << " " << text;
     }
   }
+}
+
+TEST_F(CgroupMemoryV1Test, UnreadableFileFails) {
+  const auto fails_without = [this](const std::string& group, const std::string& file) {
+    for (const std::string each : {"/a/b", "/a"}) {
+      WriteGroup(each, "1000", "100");
+      WriteBoth(each, "1500", "100");
+      Write(each, "swappiness", "60\n");
+    }
+    tree_.MakeUnreadable("/cg" + group + "/memory." + file);
+    const bool fails = !ReadCgroupRoom(tree_.root(), /*with_swap=*/true);
+    tree_.Remove("/cg" + group + "/memory." + file);
+    return fails;
+  };
+  for (const std::string file : {"limit_in_bytes", "usage_in_bytes", "stat", "swappiness",
+                                 "memsw.limit_in_bytes", "memsw.usage_in_bytes"}) {
+    EXPECT_TRUE(fails_without("/a/b", file)) << file;
+  }
+  EXPECT_TRUE(fails_without("/a", "use_hierarchy"));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -14,12 +15,13 @@ using platform::LineReader;
 
 constexpr std::size_t kCapacity = LineReader::kCapacity;
 
-std::vector<std::string> LinesOf(const std::string& path) {
+std::vector<std::string> LinesOf(const std::string& directory, bool expect_failure = false) {
   std::vector<std::string> lines;
-  LineReader reader(path.c_str());
+  LineReader reader(directory, "/text");
   while (const auto line = reader.Next()) {
     lines.emplace_back(*line);
   }
+  EXPECT_EQ(reader.failed(), expect_failure);
   return lines;
 }
 
@@ -27,7 +29,7 @@ class LineReaderTest : public testing::Test {
  protected:
   std::vector<std::string> Lines(const std::string& text) {
     tree_.Write("/text", text);
-    return LinesOf(tree_.root() + "/text");
+    return LinesOf(tree_.root());
   }
 
   MachineTree tree_;
@@ -47,10 +49,18 @@ TEST_F(LineReaderTest, EmptyFileHasNoLines) { EXPECT_EQ(Lines(""), Strings()); }
 
 TEST_F(LineReaderTest, MissingFileHasNoLines) {
   EXPECT_EQ(LinesOf(tree_.root() + "/missing"), Strings());
+  EXPECT_EQ(LinesOf(std::string(5000, '/')), Strings());
 }
 
-TEST_F(LineReaderTest, UnreadableFileHasNoLines) {
-  EXPECT_EQ(LinesOf(tree_.root()), Strings());  // a directory opens, but does not read
+// A loop of symbolic links.
+TEST_F(LineReaderTest, FileThatCannotBeOpenedFails) {
+  std::filesystem::create_symlink("text", tree_.root() + "/text");
+  EXPECT_EQ(LinesOf(tree_.root(), /*expect_failure=*/true), Strings());
+}
+
+TEST_F(LineReaderTest, UnreadableFileFails) {
+  tree_.MakeUnreadable("/text");
+  EXPECT_EQ(LinesOf(tree_.root(), /*expect_failure=*/true), Strings());
 }
 
 TEST_F(LineReaderTest, LinesAcrossReadsAreJoined) {

@@ -26,6 +26,15 @@ void MachineTree::Write(const std::string& path, const std::string& text) const 
   EXPECT_TRUE(stream.good()) << file;
 }
 
+void MachineTree::Remove(const std::string& path) const {
+  std::filesystem::remove(root_.string() + path);
+}
+
+void MachineTree::MakeUnreadable(const std::string& path) const {
+  Remove(path);
+  EXPECT_TRUE(std::filesystem::create_directories(root_.string() + path)) << path;
+}
+
 std::string MountV2(const std::string& root, const std::string& point) {
   return "30 23 0:26 " + root + " " + point +
          " rw,nosuid,nodev,noexec,relatime shared:9 - cgroup2 cgroup2 rw,nsdelegate\n";

@@ -18,6 +18,11 @@ class MachineTree {
   // Writes a file; `path` is that on the machine and begins with "/".
   void Write(const std::string& path, const std::string& text) const;
 
+  void Remove(const std::string& path) const;
+
+  // Creates a directory instead of a file: opening it succeeds, reading it fails with EISDIR.
+  void MakeUnreadable(const std::string& path) const;
+
   // The two files by which a process finds its memory group.
   void WriteGroups(const std::string& text) const { Write("/proc/thread-self/cgroup", text); }
   void WriteMounts(const std::string& text) const { Write("/proc/thread-self/mountinfo", text); }

@@ -196,6 +196,18 @@ TEST_F(MemoryStatusTest, StrictOvercommitInGroup) {
   ExpectStatus(1732, 512);
 }
 
+// Reading a limit failed, so the group may have any.
+TEST_F(MemoryStatusTest, UnreadableStatisticsOfGroupFail) {
+  WriteService({512, 300});
+  tree_.MakeUnreadable("/sys/fs/cgroup/system.slice/render.service/memory.stat");
+  EXPECT_EQ(ReadMemoryStatus(tree_.root()), std::nullopt);
+}
+
+TEST_F(MemoryStatusTest, UnreadableOvercommitModeFails) {
+  tree_.MakeUnreadable("/proc/sys/vm/overcommit_memory");
+  EXPECT_EQ(ReadMemoryStatus(tree_.root()), std::nullopt);
+}
+
 // Debian's kernel 6.1 with version 2, swap and a limit on the parent group of 268435456 bytes. Used
 // are 221425664, of which 157290496 of file pages and 378272 of slab can be reclaimed. A file of
 // 150 MiB had been read in the group, and a process held 60 MiB.
