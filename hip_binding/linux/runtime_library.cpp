@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <iterator>
 
+#include "hip_binding/linux/cut_off_library.h"
+
 namespace kestrel::hip_binding {
 
 namespace {
@@ -31,6 +33,10 @@ static_assert(std::size(kCandidates) <= kMaxCandidates);
 CandidateList Candidates() noexcept { return {std::begin(kCandidates), std::size(kCandidates)}; }
 
 void* OpenLibrary(const Candidate& candidate, ReasonText& reason) noexcept {
+  if (candidate.origin != Origin::kLoaded && IsCutOff(candidate)) {
+    std::snprintf(reason.data(), reason.size(), "%s: the file is cut off", candidate.name);
+    return nullptr;
+  }
   // RTLD_NOW: a runtime whose own dependencies lack a function fails here, not in the middle of a
   // call. RTLD_LOCAL: the names of the runtime do not reach the host.
   const int loading = candidate.origin == Origin::kLoaded ? RTLD_NOLOAD : 0;

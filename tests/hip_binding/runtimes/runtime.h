@@ -1,0 +1,8 @@
+#pragma once
+
+namespace kestrel::tests {
+
+void NoteCall(const char* call);
+int SetDevice(int device);
+
+}  // namespace kestrel::tests
