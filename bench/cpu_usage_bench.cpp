@@ -1,4 +1,4 @@
-// What a call costs beside the interval that it waits.
+// The cost of a call without its interval.
 
 #include <benchmark/benchmark.h>
 #include <unistd.h>

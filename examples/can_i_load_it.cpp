@@ -1,4 +1,4 @@
-// Whether eight more gigabytes would fit, and which GPUs there are.
+// Prints how many GPUs there are and whether eight more GiB of memory can be allocated.
 
 #include <system/hardware_survey.h>
 #include <utils/memory_observer.h>

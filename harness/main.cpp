@@ -28,8 +28,8 @@ cxxopts::Options MakeOptions() {
   return options;
 }
 
-// What counts is that an option was given; the values of the switches are never read. Nothing if
-// the command line lacks the pid that it calls for.
+// Decides by which options were given; the values of the switches are never read. Returns `nullopt`
+// if --cpu-test was given without a pid.
 std::optional<RoutineList> SelectRoutines(const cxxopts::ParseResult& arguments, int split_ms) {
   RoutineList routines;
   const bool has_pid = arguments.count("pid") != 0;
@@ -66,7 +66,12 @@ void RunCycle(const RoutineList& routines, std::int64_t number, std::chrono::mil
 
 }  // namespace
 
-// Nothing is caught: a command line that cannot be parsed ends the program through std::terminate.
+// Message texts are fixed, including their wording.
+//
+// Catches no exception: a command line that cannot be parsed ends the program through
+// std::terminate. An option name of 30,000 letters overflows a stack of 8 MiB: the option library
+// matches names by a regular expression, which recurses for each letter. Built without regular
+// expressions it would refuse "-p-5" and "-r-1", which are valid here.
 int main(int argc, char** argv) {  // NOLINT(bugprone-exception-escape)
   cxxopts::Options options = MakeOptions();
   const cxxopts::ParseResult arguments = options.parse(argc, argv);

@@ -17,6 +17,8 @@ using kestrel::system::HardwareSurveyResult;
 using kestrel::system::ResultCode;
 using kestrel_utils::MemoryObserver;
 
+// Report texts are fixed, including their wording.
+
 constexpr const char* kHeadingLine = "========================";
 constexpr const char* kBlockEndLine = "------------------------";
 
@@ -85,7 +87,7 @@ void PrintHardwareSurvey() {
   PrintGpuBlock(survey);
 }
 
-// Measured before the line is begun, so that a message of the meter's own does not split it.
+// Measures before it writes, so that a message of the meter does not split the line.
 void PrintCpuUsage(int pid, int split_ms) {
   const float usage = kestrel_utils::GetCpuUsage(pid, split_ms);
   std::cout << "CPU Usage (PID '" << pid << "') ....... " << usage << "%" << std::endl;

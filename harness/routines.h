@@ -1,7 +1,7 @@
 #pragma once
 
-// The diagnostic routines. Each calls the library once and prints one report on std::cout, error
-// values as they come.
+// The diagnostic routines. Each prints one report on std::cout; error values of the library are
+// printed as they are.
 
 // The CPU block and the GPU block of SurveyHardware().
 void PrintHardwareSurvey();

@@ -12,7 +12,7 @@ CpuInfo::CpuInfo(CpuInfo&& other) noexcept = default;
 CpuInfo& CpuInfo::operator=(const CpuInfo& other) = default;
 CpuInfo::~CpuInfo() = default;
 
-// Written out because a container that is moved onto itself may lose its elements.
+// Not defaulted: a container that is move-assigned to itself may lose its elements.
 CpuInfo& CpuInfo::operator=(CpuInfo&& other) noexcept {
   architecture = other.architecture;
   if (this != &other) {
@@ -45,8 +45,7 @@ std::string CpuInstructionSetExtensionToStr(CpuInstructionSetExtension extension
   return "AVX";
 }
 
-// Standard libraries differ in the order in which an unordered set is walked, so the names are
-// sorted: the text is the same everywhere.
+// Sorted, because standard libraries differ in the iteration order of an unordered set.
 std::string CpuInstructionSetExtensionsToStr(
     const std::unordered_set<CpuInstructionSetExtension>& extensions) {
   std::vector<CpuInstructionSetExtension> ascending(extensions.begin(), extensions.end());

@@ -34,8 +34,8 @@ CpuArchitecture ToCpuArchitecture(std::uint16_t code) {
 
 }  // namespace
 
-// The two flags are reported as they stand: no check of the highest leaf, of the operating system's
-// support, or of one flag against the other, so that a host sees what the processor says.
+// The two flags are reported as they are, by contract: without a check of the highest leaf, of the
+// operating system's support, or of one flag against the other.
 CpuInfo DetectCpuInfo() {
   CpuInfo info;
   info.architecture = ToCpuArchitecture(platform::ProcessorArchitecture());

@@ -7,11 +7,13 @@
 #include <iterator>
 #include <string>
 
+// Message texts are fixed, including their wording.
+
 namespace kestrel::system {
 
 namespace {
 
-// A runtime may fill the whole array and leave no room for the closing NUL.
+// A runtime may fill the whole array, without a terminating NUL.
 template <std::size_t kSize>
 std::string TextOf(const char (&field)[kSize]) {
   return {std::begin(field), std::find(std::begin(field), std::end(field), '\0')};
@@ -38,15 +40,15 @@ Result DescribeDevice(int device, GpuInfo& gpu) {
   gpu.deviceId = device;
   gpu.integrationType =
       properties.integrated != 0 ? GpuIntegrationType::Integrated : GpuIntegrationType::Discrete;
-  // Not the properties' own memory size: this is the figure that allocations are counted against.
+  // Not the properties' own memory size: allocations count against this figure.
   gpu.totalMemory = total;
   gpu.detectionPlatform = GpuSoftwarePlatform::ROCm;
   gpu.otherInfo.emplace("gcnArchName", TextOf(properties.gcnArchName));
   return {ResultCode::Success, {}};
 }
 
-// Describes devices until one fails; the list then holds those before it. It grows device by
-// device, since a count is only the runtime's word and memory is not taken on it.
+// Describes devices until one fails; the list then holds those before it. Nothing is reserved for
+// the count, which a faulty runtime may report as any number.
 Result EnumerateDevices(std::vector<GpuInfo>& gpus) {
   int count = 0;
   if (hipGetDeviceCount(&count) != hipSuccess) {

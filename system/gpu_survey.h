@@ -10,16 +10,25 @@
 
 namespace kestrel::system {
 
-/// Lists every GPU that the HIP runtime sees, in ascending device order. All or nothing: the list
-/// is empty beside any code but `Success`.
+/// Lists the GPUs that the HIP runtime reports, in ascending device order. All or nothing: with any
+/// code but `Success` the list is empty.
 ///
-/// Returns (`Success`, the list; empty when the runtime counts no device), (`NoDevices`, message)
-/// when the runtime cannot count its devices, or (`DeviceQueryFailed`, message) naming the step and
-/// the device at fault. Throws nothing but std::bad_alloc. Blocks for as long as the HIP runtime
-/// does, which at its first call in a process starts itself up.
+/// Name, architecture name and integration come from hipGetDeviceProperties, the total memory from
+/// hipMemGetInfo: the amount that allocations count against, which may differ from that in the
+/// properties.
 ///
-/// Thread effect: the calling thread's current HIP device is left at the last one surveyed; it is
-/// not restored. Concurrent calls are as safe as the HIP runtime's own.
+/// Returns (`Success`, the list), also with an empty list if the runtime counts no devices;
+/// (`NoDevices`, "Error trying to query ROCm gpus: No hip devices found!") if it fails to count
+/// them; or (`DeviceQueryFailed`, message) if a query fails, with a message that names the query
+/// and the device.
+///
+/// Throws std::bad_alloc, and whatever the HIP runtime throws passes through: its C functions let
+/// its C++ exceptions out, such as std::bad_alloc when memory runs short.
+///
+/// Blocks for as long as the HIP runtime does, which initialises itself at the first call in a
+/// process. Thread effect: leaves the last device that could be selected as the calling thread's
+/// current HIP device and does not restore the one before. Concurrent calls are as safe as those of
+/// the HIP runtime.
 [[nodiscard]] KESTRELCORE_EXPORT std::pair<Result, std::vector<GpuInfo>> SurveyGpus();
 
 }  // namespace kestrel::system

@@ -4,8 +4,8 @@ namespace kestrel::system {
 
 namespace {
 
-// The surveys promise this already; a host that forgets to look at the status is worth a second
-// guard.
+// The surveys return no data with a failure themselves. The second guard is part of the contract of
+// SurveyHardware: a host that does not check the status never gets devices of a failed survey.
 template <typename Data>
 std::pair<Result, Data> WithoutDataOnFailure(std::pair<Result, Data> survey) {
   if (survey.first.code != ResultCode::Success) {
@@ -22,7 +22,7 @@ HardwareSurveyResult::HardwareSurveyResult(HardwareSurveyResult&& other) noexcep
 HardwareSurveyResult& HardwareSurveyResult::operator=(const HardwareSurveyResult& other) = default;
 HardwareSurveyResult::~HardwareSurveyResult() = default;
 
-// Written out because a vector that is moved onto itself loses its elements.
+// Not defaulted: a vector that is move-assigned to itself loses its elements.
 HardwareSurveyResult& HardwareSurveyResult::operator=(HardwareSurveyResult&& other) noexcept {
   if (this != &other) {
     gpuSurvey = std::move(other.gpuSurvey);

@@ -1,12 +1,13 @@
 #pragma once
 
-/// kestrelcore's survey interface: what the machine offers. Including this header is enough.
+/// kestrelcore's survey interface: what the machine offers. This header includes all others of it.
 ///
 /// Every call measures afresh, on the caller's thread, and returns plain values that the caller
-/// owns. The library keeps no state, starts no thread, reads no configuration and writes nothing
-/// here. An expected failure travels in the `Result` beside the data; nothing but std::bad_alloc
-/// is thrown. Strings, sets, maps and vectors cross the library's boundary by value, so host and
-/// library are built against the same C++ standard library.
+/// owns. The surveys keep no state, start no threads, read no configuration and write no output.
+/// Expected failures are reported by the `Result` next to the data. The surveys catch nothing else:
+/// std::bad_alloc and whatever the HIP runtime throws pass through. Strings, sets, maps and vectors
+/// cross the library boundary by value, so host and library must be built with the same C++
+/// standard library.
 
 #include <kestrelcore_export.h>
 
@@ -21,8 +22,8 @@
 
 namespace kestrel::system {
 
-/// Both surveys side by side. There is no overall status: each `Result` speaks for the data beside
-/// it alone. By default both codes are `Unknown` and both data empty.
+/// The outcomes of both surveys. There is no overall status: each `Result` is that of the data in
+/// its own pair. By default both codes are `Unknown` and all data is empty.
 struct HardwareSurveyResult {
   std::pair<Result, std::vector<GpuInfo>> gpuSurvey;
   std::pair<Result, CpuInfo> cpuSurvey;
@@ -35,9 +36,9 @@ struct HardwareSurveyResult {
   KESTRELCORE_EXPORT ~HardwareSurveyResult();
 };
 
-/// Surveys the GPUs, then the processor, whatever became of the GPUs; each pair is what
-/// `SurveyGpus` and `SurveyCpu` return, with empty data beside a failure. Blocks and changes the
-/// calling thread's current HIP device as `SurveyGpus` does.
+/// Surveys the GPUs, then the processor, also if the first fails. The pairs are those of
+/// `SurveyGpus` and `SurveyCpu`; the data of a failed survey is empty. Blocks, throws and changes
+/// the calling thread's current HIP device as `SurveyGpus` does.
 [[nodiscard]] KESTRELCORE_EXPORT HardwareSurveyResult SurveyHardware();
 
 }  // namespace kestrel::system

@@ -14,13 +14,15 @@ namespace {
 
 namespace platform = kestrel::platform;
 
+// Message texts are fixed, including their wording.
+
 constexpr float kCpuUsageError = -1.0F;
 constexpr std::int64_t kNanosecondsPerMillisecond = 1'000'000;
 constexpr double kNanosecondsPerSecond = 1e9;
 constexpr double kTimeUnitsPerSecond = 1e7;  // process times count units of 100 ns
 constexpr double kPercent = 100.0;
 
-// What two samples of one process and of the wall clock between them show.
+// Two samples of one process and the wall-clock time between them.
 struct Interval {
   platform::ProcessTimes first;
   platform::ProcessTimes second;
@@ -46,7 +48,8 @@ void SleepMilliseconds(int milliseconds) noexcept {
   }
 }
 
-// Unsigned arithmetic: sums and the difference may wrap and still come out right.
+// Kernel and user time are sampled apart and only their sum is used. Unsigned arithmetic: sums and
+// the difference may wrap without harm.
 double ConsumedSeconds(const Interval& interval) noexcept {
   const std::uint64_t consumed = (interval.second.kernel + interval.second.user) -
                                  (interval.first.kernel + interval.first.user);

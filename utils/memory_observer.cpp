@@ -11,6 +11,8 @@ namespace kestrel_utils {
 
 namespace platform = kestrel::platform;
 
+// Message texts are fixed, including their wording.
+
 long long MeasureProcessUsedRam(int pid, DiagnosticSink sink) noexcept {
   if (pid < 1) {
     (DiagnosticLine(sink) << "Failed to get used RAM for PID '" << pid
@@ -46,11 +48,11 @@ std::uint64_t MissingBytes(std::uint64_t bytes, const platform::MemoryStatus& st
 
 const int MemoryObserver::kRamMeterErrorCode = -1;
 
-// Out of line because hosts link to them.
+// Not inline, because they are exported functions.
 MemoryObserver& MemoryObserver::operator=(const MemoryObserver&) noexcept = default;
 MemoryObserver& MemoryObserver::operator=(MemoryObserver&&) noexcept = default;
 
-// Which members are static is part of the interface.
+// Which members are static is part of the interface and does not change.
 // NOLINTBEGIN(readability-convert-member-functions-to-static)
 
 long long MemoryObserver::getMachinePhysicalRAM() noexcept {

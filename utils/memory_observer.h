@@ -6,11 +6,25 @@ namespace kestrel_utils {
 
 /// Meters for RAM, VRAM and one process's memory, and the allocation forecast.
 ///
-/// Every call measures afresh; nothing is cached, and any instance is as good as any other. All
-/// figures are bytes. No member throws, blocks beyond its platform query, or allocates memory of
-/// its own (the HIP runtime may, at its first use in a process). Members may be called from any
-/// number of threads at once; they need up to 16 KiB of stack. Failures are reported as one line on
-/// standard error where a member says so. Do not cancel (pthread_cancel) a thread inside a member.
+/// Every call measures afresh; nothing is cached, and all instances are equal. All figures are
+/// bytes. No member throws, whatever the HIP runtime throws; on Windows only exceptions of the
+/// compiler that built this library can be caught. No member allocates memory or blocks beyond its
+/// query, except for what the HIP runtime does: it initialises itself at the first call in a
+/// process. Members may be called from any number of threads at once; they need up to 16 KiB of
+/// stack. Do not cancel (pthread_cancel) a thread inside a member.
+///
+/// Diagnostics. Where a meter, here or in utils/cpu_usage.h, reports a failure, it writes one line
+/// to the buffer of std::cerr in one call and flushes that buffer. The state and the exception mask
+/// of std::cerr and the std::cout that is tied to it stay untouched; what cannot be written is
+/// lost. Some things remain for the host to know:
+/// - Several threads may write to std::cerr at once as long as the host leaves it as it was at the
+///   start of the program. After std::ios::sync_with_stdio(false), or with a buffer of the host's
+///   own, they may not: then no meter may report a failure while another thread writes to
+///   std::cerr.
+/// - A full pipe blocks the meter until its reader continues.
+/// - A broken pipe raises SIGPIPE, which ends a process that has left its default action.
+/// - The line goes wherever file descriptor 2 leads. A host that closes descriptor 2 and then opens
+///   a file finds the lines in that file.
 class MemoryObserver {
  public:
   /// What `getProcessUsedRAM` returns on failure: -1.
@@ -23,40 +37,44 @@ class MemoryObserver {
   KESTRELCORE_EXPORT MemoryObserver& operator=(MemoryObserver&& other) noexcept;
   ~MemoryObserver() = default;
 
-  /// The machine's physical RAM, whatever limit this process runs under. A failure of the
-  /// operating system to answer is not reported; it reads as 0.
+  /// Returns the machine's physical RAM, whatever limit this process runs under (ullTotalPhys of
+  /// GlobalMemoryStatusEx on Windows, totalram of sysinfo(2) on Linux); 0, without a report, if the
+  /// query fails.
   [[nodiscard]] KESTRELCORE_EXPORT static long long getMachinePhysicalRAM() noexcept;
 
-  /// Physical RAM that this process could have without swapping: on Linux no more than the memory
-  /// limits of its container leave it (docs/memory-in-containers.md). A failure reads as 0.
+  /// Returns the physical RAM that this process can get without swapping (ullAvailPhys on Windows).
+  /// On Linux that is MemAvailable of /proc/meminfo, or less where the memory limits of a container
+  /// leave less (docs/memory-in-containers.md). Returns 0, without a report, if the query fails.
   [[nodiscard]] KESTRELCORE_EXPORT long long getAvailableRAM() const noexcept;
 
-  /// Physical less available RAM, both from one query. A failure reads as 0.
+  /// Returns the physical RAM less the available RAM, both from one query; 0, without a report, if
+  /// the query fails.
   [[nodiscard]] KESTRELCORE_EXPORT long long getUsedRAM() const noexcept;
 
-  /// The resident memory (working set) of process `pid`; a positive number for the caller's own.
-  /// Returns -1 (`kRamMeterErrorCode`) with a line on standard error when `pid` is below 1 or no
-  /// such process can be opened, and -1 without one when its counters cannot be read.
+  /// Returns the resident memory of process `pid` (WorkingSetSize on Windows, the resident pages of
+  /// /proc/<pid>/statm on Linux). Positive for the caller's own process. Returns -1
+  /// (`kRamMeterErrorCode`) and reports it if `pid` is below 1 or the process cannot be opened; -1
+  /// without a report if its memory cannot be read.
   ///
-  /// On Linux a zombie holds 0 bytes, and a thread's id is not a process. "/proc" must be mounted,
-  /// and that of the caller's own process namespace: with another one every call fails, unless the
-  /// caller has the same pid in both namespaces, which is not detected.
+  /// On Linux a zombie holds 0 bytes, and the id of a thread is not a process. "/proc" must be
+  /// mounted, and must be that of the caller's process namespace: with another one every call
+  /// fails, unless the caller has the same pid in both namespaces, which is not detected.
   [[nodiscard]] KESTRELCORE_EXPORT static long long getProcessUsedRAM(int pid) noexcept;
 
-  /// The total VRAM of all HIP devices, from each device's properties. Returns 0 with a line on
-  /// standard error when HIP cannot count its devices or has none; a device that cannot be read is
-  /// reported likewise and adds nothing.
+  /// Returns the total VRAM of all HIP devices: the sum of totalGlobalMem of their properties. A
+  /// device whose properties cannot be read is reported and adds 0. Returns 0 and reports it if HIP
+  /// fails to count its devices or counts none.
   [[nodiscard]] KESTRELCORE_EXPORT static long long getMachinePhysicalVRAM() noexcept;
 
-  /// The free VRAM of HIP device 0 alone, also where there are several. Returns 0, silently, when
-  /// there is no device or HIP does not answer. Thread effect: makes device 0 the calling thread's
-  /// current HIP device.
+  /// Returns the free VRAM of HIP device 0 alone, also if there are several (hipMemGetInfo).
+  /// Returns 0, without a report, if there are no devices or a HIP call fails. Thread effect: makes
+  /// device 0 the calling thread's current HIP device.
   [[nodiscard]] KESTRELCORE_EXPORT long long getAvailableVRAM() const noexcept;
 
-  /// Whether an allocation of `bytes` would fail now: true exactly when it exceeds the available
-  /// RAM by more than the system can still commit beyond it, with no margin. A negative size is
-  /// taken as the huge unsigned one. Returns false, with a line on standard error, when the
-  /// operating system does not answer.
+  /// Returns whether an allocation of `bytes` would fail now: true if it exceeds the available RAM
+  /// by more than the system can still commit beyond it, without any margin (ullAvailPageFile on
+  /// Windows; on Linux swap, as far as limits leave any). A negative size counts as the unsigned
+  /// number with the same bits, which is huge. Returns false and reports it if the query fails.
   [[nodiscard]] KESTRELCORE_EXPORT bool willFailToAllocate(long long bytes) const noexcept;
 };
 

@@ -8,6 +8,8 @@
 
 #include "utils/diagnostic_line.h"
 
+// Message texts are fixed, including their wording.
+
 namespace kestrel_utils {
 
 namespace {

@@ -8,14 +8,14 @@
 
 namespace kestrel_utils {
 
-// The number of HIP devices, and the status of the query.
+// Writes the number of HIP devices and returns the status of the query.
 hipError_t DeviceCount(int& count) noexcept;
 
 // The runtime's text for a status; empty if it has none.
 const char* ErrorText(hipError_t status) noexcept;
 
-// What the runtime returned for one device. If it could not be selected, the figures are those of
-// another.
+// The outcome of hipSetDevice and hipMemGetInfo for one device. If it could not be selected, the
+// figures are those of another.
 struct DeviceMemory {
   hipError_t selected = hipErrorUnknown;
   hipError_t queried = hipErrorUnknown;
@@ -26,12 +26,18 @@ struct DeviceMemory {
 // Leaves the device current on the calling thread.
 DeviceMemory QueryDeviceMemory(int device) noexcept;
 
-// Total VRAM in bytes from the device properties: the sum over all HIP devices, or that of the
-// first device that answers. Reports failures on standard error; 0 when nothing answers.
+// MemoryObserver uses one value of `allDevices` for each function. The other is part of these back
+// ends by contract, and so is that the two differ: properties here and the memory query there,
+// reports here and none there.
+
+// Returns the total VRAM in bytes from the device properties: the sum over all HIP devices, or that
+// of the first device whose properties can be read. Reports failures to `sink`; returns 0 if no
+// device can be read.
 long long getMachinePhysicalVRAM_ROCm(bool allDevices, DiagnosticSink sink) noexcept;
 
-// Free VRAM in bytes: the sum over all HIP devices, or that of device 0. Silent; a device that
-// does not answer counts 0. Leaves the last device asked current on the calling thread.
+// Returns the free VRAM in bytes from the memory query: the sum over all HIP devices, or that of
+// device 0. Reports nothing; a device that cannot be selected and queried adds 0. Leaves the last
+// device that could be selected as the calling thread's current one.
 long long getAvailableVRAM_ROCm(bool allDevices) noexcept;
 
 }  // namespace kestrel_utils
