@@ -1,15 +1,16 @@
-# Runs a program and compares all that it writes, character by character, with a text that was kept.
+# Runs a program and compares its whole output, character by character, with an expected text.
 #
 #   cmake -DRUN=... -DRUNTIME=... -DMACHINE=... -DEXPECTED=... -DACTUAL=... -P check_output.cmake
 #
 # RUN       the command, with an emulator before it in a cross build
-# RUNTIME   the folder that holds the HIP runtime; empty if it is found beside the program
-# MACHINE   the machine file to simulate; run in its folder, so that messages name it without one.
-#           Without it there is no GPU.
-# EXPECTED  the text; ACTUAL gets what there was instead
+# RUNTIME   the folder that holds the HIP runtime; empty if it is next to the program
+# MACHINE   the machine file to simulate; without one there is no GPU. The program runs in the folder
+#           of the file, so that messages name the file without its folder.
+# EXPECTED  the file with the expected text
+# ACTUAL    the file that the output is written to
 #
-# The text holds standard output, then standard error and the exit status; where there was anything
-# on standard error, also how the two streams stand in one, to show their order.
+# The text consists of standard output, standard error and the exit status. If there is anything on
+# standard error, both streams follow once more as one, to show their order.
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -18,7 +19,7 @@ if(RUNTIME)
 endif()
 set(folder "${CMAKE_CURRENT_BINARY_DIR}")
 unset(ENV{KESTREL_SIM_MACHINE})
-set(ENV{HIP_VISIBLE_DEVICES} -1) # a host that has GPUs hides them from the real runtime
+set(ENV{HIP_VISIBLE_DEVICES} -1) # hides real GPUs from the real runtime
 if(MACHINE)
   cmake_path(GET MACHINE PARENT_PATH folder)
   cmake_path(GET MACHINE FILENAME file)
@@ -42,7 +43,7 @@ if(NOT errors STREQUAL "")
 endif()
 
 string(REPLACE "\r\n" "\n" actual "${actual}")
-# How the C++ runtime reports an exception that nothing caught, and ends the process, is its own.
+# The C++ runtimes report an uncaught exception in different ways.
 if(actual MATCHES "terminate called after throwing an instance of '([a-zA-Z_:]+)'")
   string(REGEX REPLACE "terminate called after throwing[^\n]*\n  what\\(\\):[^\n]*\n"
                        "(terminated by ${CMAKE_MATCH_1})\n" actual "${actual}")
@@ -51,7 +52,7 @@ if(actual MATCHES "terminate called after throwing an instance of '([a-zA-Z_:]+)
   endif()
 endif()
 string(APPEND actual "---- exit status ${status} ----\n")
-# What the real machine and its processes use.
+# Figures of the real machine.
 string(REGEX REPLACE "(Machine physical RAM|Free RAM)( \\.+ )[0-9]+\\.[0-9][0-9] [MGT]iB\n"
                      "\\1\\2(real)\n" actual "${actual}")
 string(REGEX REPLACE "(CPU Usage [^.]* \\.+ )[0-9][0-9.e+-]*%" "\\1(real)%" actual "${actual}")

@@ -1,4 +1,4 @@
-# The harness takes at least as long as it is told to wait. There is no upper bound to test, since a
+# The harness takes at least as long as it has to wait. There is no upper bound to test, since a
 # busy machine may take any time.
 #
 #   cmake -DRUN=... -DRUNTIME=... -DMILLISECONDS=... -P check_pause.cmake
