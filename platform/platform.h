@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <utility>
@@ -29,14 +30,29 @@ struct CpuidRegisters {
 // it cannot be read (on Windows it always can).
 [[nodiscard]] std::optional<std::uint32_t> LogicalProcessorCount() noexcept;
 
-struct MemoryStatus {
-  std::uint64_t total_physical = 0;      // bytes
-  std::uint64_t available_physical = 0;  // bytes that this process can get without swapping
-  std::uint64_t committable = 0;         // bytes that it can get beyond those
+// Which limit decides how much memory is available.
+enum class MemoryLimit : std::uint8_t {
+  kMachine,      // the machine's free memory
+  kMemoryGroup,  // the limit of a memory group, such as a container's; Linux only
+  kCommitLimit,  // the rest of the commit limit, under strict overcommit; Linux only
 };
 
-// Returns all three figures, read in one query; `nullopt` if the query fails.
+struct MemoryStatus {
+  std::uint64_t total_physical = 0;           // bytes
+  std::uint64_t available_physical = 0;       // bytes that this process can get without swapping
+  std::uint64_t committable = 0;              // bytes that it can get beyond those
+  MemoryLimit limit = MemoryLimit::kMachine;  // what decides available_physical
+};
+
+// Returns all figures, read in one query; `nullopt` if the query fails.
 [[nodiscard]] std::optional<MemoryStatus> QueryMemoryStatus() noexcept;
+
+// The directory of a memory group, as NUL-terminated text.
+using GroupDirectory = std::array<char, 1024>;
+
+// Like QueryMemoryStatus, and writes the directory of the memory group that decides. The directory
+// is empty if the query fails or MemoryStatus::limit is not kMemoryGroup.
+[[nodiscard]] std::optional<MemoryStatus> QueryMemoryLimit(GroupDirectory& directory) noexcept;
 
 // Returns the machine's physical RAM in bytes, by the system's cheapest call; `nullopt` if it
 // fails.

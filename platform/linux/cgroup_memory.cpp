@@ -155,7 +155,8 @@ bool SwapsWhenFull(std::string_view root, GroupReader& own, bool& failed) noexce
 
 }  // namespace
 
-std::optional<CgroupRoom> ReadCgroupRoom(std::string_view root, bool with_swap) noexcept {
+std::optional<CgroupRoom> ReadCgroupRoom(std::string_view root, bool with_swap,
+                                         PathBuffer* tightest) noexcept {
   CgroupRoom room;
   bool failed = false;
   auto own = FindMemoryCgroup(root, failed);
@@ -164,12 +165,16 @@ std::optional<CgroupRoom> ReadCgroupRoom(std::string_view root, bool with_swap) 
     bool is_own = true;
     room.swaps_when_full = !with_swap || SwapsWhenFull(root, group, failed);
     do {
+      const std::uint64_t before = room.Memory();
       if (group.version() == CgroupVersion::kV2) {
         NarrowByV2(group, with_swap, room);
       } else {
         NarrowByV1(group, is_own, room);
       }
       is_own = false;
+      if (tightest != nullptr && room.Memory() < before) {
+        *tightest = own->directory;
+      }
     } while (group.StepUp());
   }
   return failed ? std::nullopt : std::optional(room);

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <optional>
 #include <string_view>
+
+#include "platform/linux/path_buffer.h"
 
 namespace kestrel::platform {
 
@@ -16,13 +19,21 @@ struct CgroupRoom {
   std::uint64_t swap = kUnlimited;             // swap alone; limited by version 2
   std::uint64_t memory_and_swap = kUnlimited;  // RAM and swap in one counter; limited by version 1
   bool swaps_when_full = true;  // whether the kernel swaps once `physical` is used up
+
+  // RAM that the groups allow, by whichever of their limits is tighter.
+  [[nodiscard]] std::uint64_t Memory() const noexcept {
+    return std::min(physical, memory_and_swap);
+  }
 };
 
 // Reads the room left now. A figure whose files are absent or hold no number counts as unlimited.
 // Returns `nullopt` if a file that exists could not be read. The swap figures are read only
 // `with_swap`. All files are read below `root`: "" for this machine, or a directory that holds the
 // files of another.
-[[nodiscard]] std::optional<CgroupRoom> ReadCgroupRoom(std::string_view root,
-                                                       bool with_swap) noexcept;
+//
+// Also writes the directory of the group that leaves the least memory to `*tightest`, unless that
+// is null; it is left unchanged if no group has a limit.
+[[nodiscard]] std::optional<CgroupRoom> ReadCgroupRoom(std::string_view root, bool with_swap,
+                                                       PathBuffer* tightest = nullptr) noexcept;
 
 }  // namespace kestrel::platform

@@ -7,6 +7,13 @@ namespace kestrel::platform {
 
 std::optional<MemoryStatus> QueryMemoryStatus() noexcept { return ReadMemoryStatus(""); }
 
+std::optional<MemoryStatus> QueryMemoryLimit(GroupDirectory& directory) noexcept {
+  PathBuffer group;
+  const auto status = ReadMemoryStatus("", &group);
+  directory[group.view().copy(directory.data(), directory.size() - 1)] = '\0';
+  return status;
+}
+
 std::optional<std::uint64_t> QueryTotalPhysicalMemory() noexcept {
   struct sysinfo info {};
   if (sysinfo(&info) != 0) {

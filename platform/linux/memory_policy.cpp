@@ -13,12 +13,15 @@ bool IsStrictOvercommit(std::string_view overcommit_memory) noexcept {
 // risks being killed.
 MemoryStatus ToMemoryStatus(const Meminfo& meminfo, bool strict_overcommit,
                             const CgroupRoom& room) noexcept {
-  std::uint64_t available = std::min({meminfo.available, room.physical, room.memory_and_swap});
+  MemoryLimit limit =
+      room.Memory() < meminfo.available ? MemoryLimit::kMemoryGroup : MemoryLimit::kMachine;
+  std::uint64_t available = std::min(meminfo.available, room.Memory());
   std::uint64_t beyond = meminfo.swap_free;
   if (strict_overcommit) {
     // More than the limit may be committed, if the limit was lowered afterwards.
     const std::uint64_t commit_left =
         meminfo.commit_limit - std::min(meminfo.committed, meminfo.commit_limit);
+    limit = commit_left < available ? MemoryLimit::kCommitLimit : limit;
     available = std::min(available, commit_left);
     beyond = commit_left - available;
   }
@@ -26,8 +29,8 @@ MemoryStatus ToMemoryStatus(const Meminfo& meminfo, bool strict_overcommit,
     // The commit limit is the machine's. A group at its own limit can only swap.
     beyond = room.swaps_when_full ? std::min(beyond, meminfo.swap_free) : 0;
   }
-  return {meminfo.total, available,
-          std::min({beyond, room.swap, room.memory_and_swap - available})};
+  return {meminfo.total, available, std::min({beyond, room.swap, room.memory_and_swap - available}),
+          limit};
 }
 
 }  // namespace kestrel::platform

@@ -26,15 +26,17 @@ bool ReadStrictOvercommit(std::string_view root, bool& failed) noexcept {
 
 }  // namespace
 
-std::optional<MemoryStatus> ReadMemoryStatus(std::string_view root) noexcept {
+std::optional<MemoryStatus> ReadMemoryStatus(std::string_view root, PathBuffer* group) noexcept {
   const auto meminfo = ReadMeminfo(root);
-  const auto room = meminfo ? ReadCgroupRoom(root, meminfo->swap_free > 0) : std::nullopt;
-  if (!room) {
-    return std::nullopt;
+  const auto room = meminfo ? ReadCgroupRoom(root, meminfo->swap_free > 0, group) : std::nullopt;
+  bool failed = !room;
+  const bool strict = !failed && ReadStrictOvercommit(root, failed);
+  const auto status =
+      failed ? std::nullopt : std::optional(ToMemoryStatus(*meminfo, strict, *room));
+  if (group != nullptr && (!status || status->limit != MemoryLimit::kMemoryGroup)) {
+    group->Truncate(0);
   }
-  bool failed = false;
-  const bool strict = ReadStrictOvercommit(root, failed);
-  return failed ? std::nullopt : std::optional(ToMemoryStatus(*meminfo, strict, *room));
+  return status;
 }
 
 }  // namespace kestrel::platform

@@ -14,6 +14,13 @@ std::optional<MemoryStatus> QueryMemoryStatus() noexcept {
   return MemoryStatus{status.ullTotalPhys, status.ullAvailPhys, status.ullAvailPageFile};
 }
 
+// ullAvailPhys is always the machine's. A job object's limit and the commit limit of the system
+// bound ullAvailPageFile alone.
+std::optional<MemoryStatus> QueryMemoryLimit(GroupDirectory& directory) noexcept {
+  directory.front() = '\0';
+  return QueryMemoryStatus();
+}
+
 // No call for the total alone returns the same figure: GetPhysicallyInstalledSystemMemory includes
 // the memory that the firmware reserves.
 std::optional<std::uint64_t> QueryTotalPhysicalMemory() noexcept {

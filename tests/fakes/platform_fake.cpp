@@ -51,6 +51,13 @@ std::optional<MemoryStatus> QueryMemoryStatus() noexcept {
   return Platform().memory;
 }
 
+std::optional<MemoryStatus> QueryMemoryLimit(GroupDirectory& directory) noexcept {
+  const bool succeeds = Platform().Succeeds("QueryMemoryLimit");
+  const std::string text = succeeds ? Platform().group_directory : "";
+  directory[text.copy(directory.data(), directory.size() - 1)] = '\0';
+  return succeeds ? std::optional(Platform().memory) : std::nullopt;
+}
+
 std::optional<std::uint64_t> QueryTotalPhysicalMemory() noexcept {
   if (!Platform().Succeeds("QueryTotalPhysicalMemory")) {
     return std::nullopt;

@@ -18,6 +18,7 @@ struct PlatformFake {
   std::map<std::pair<std::uint32_t, std::uint32_t>, platform::CpuidRegisters> cpuid;
   std::uint32_t logical_processors = 8;
   platform::MemoryStatus memory;
+  std::string group_directory;  // of the group that limits the memory
 
   int dead_pid = std::numeric_limits<int>::max();
   // The samples of a process, in order. The last one repeats, with `times_step` added each time.

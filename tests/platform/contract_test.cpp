@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -16,10 +17,13 @@ namespace {
 
 using platform::Cpuid;
 using platform::CpuidRegisters;
+using platform::GroupDirectory;
 using platform::LogicalProcessorCount;
+using platform::MemoryLimit;
 using platform::Process;
 using platform::ProcessorArchitecture;
 using platform::ProcessRights;
+using platform::QueryMemoryLimit;
 using platform::QueryMemoryStatus;
 using platform::QueryTotalPhysicalMemory;
 using platform::SleepUntil;
@@ -48,6 +52,17 @@ TEST(PlatformContractTest, AvailableMemoryIsAtMostTheTotal) {
   ASSERT_TRUE(status);
   // Not that it is positive: a machine or a container may have none left.
   EXPECT_LE(status->available_physical, status->total_physical);
+}
+
+TEST(PlatformContractTest, OnlyMemoryGroupLimitHasDirectory) {
+  GroupDirectory directory;
+  directory.fill('x');
+  const auto status = QueryMemoryLimit(directory);
+  ASSERT_TRUE(status);
+  EXPECT_LE(status->available_physical, status->total_physical);
+  const bool is_named = directory.front() != '\0';
+  EXPECT_EQ(is_named, status->limit == MemoryLimit::kMemoryGroup);
+  EXPECT_NE(std::find(directory.begin(), directory.end(), '\0'), directory.end());
 }
 
 TEST(PlatformContractTest, BothMemoryQueriesReturnTheSameTotal) {

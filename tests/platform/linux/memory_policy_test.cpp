@@ -10,6 +10,7 @@ namespace {
 using platform::CgroupRoom;
 using platform::IsStrictOvercommit;
 using platform::Meminfo;
+using platform::MemoryLimit;
 using platform::MemoryStatus;
 using platform::ToMemoryStatus;
 
@@ -108,6 +109,19 @@ TEST(MemoryPolicyTest, MoreCommittedThanLimitLeavesNothing) {
   Meminfo machine = Machine();
   machine.committed = machine.commit_limit + 1;
   ExpectStatus(ToMemoryStatus(machine, true, {1000, kUnlimited, kUnlimited}), 0, 0);
+}
+
+TEST(MemoryPolicyTest, TightestFigureIsTheLimit) {
+  const auto limit = [](bool strict, const CgroupRoom& room) {
+    return ToMemoryStatus(Machine(), strict, room).limit;
+  };
+  EXPECT_EQ(limit(false, {}), MemoryLimit::kMachine);
+  EXPECT_EQ(limit(false, {10000, kUnlimited, kUnlimited}), MemoryLimit::kMachine);
+  EXPECT_EQ(limit(false, {9999, kUnlimited, kUnlimited}), MemoryLimit::kMemoryGroup);
+  EXPECT_EQ(limit(false, {kUnlimited, kUnlimited, 9999}), MemoryLimit::kMemoryGroup);
+  EXPECT_EQ(limit(true, {}), MemoryLimit::kCommitLimit);
+  EXPECT_EQ(limit(true, {7001, kUnlimited, kUnlimited}), MemoryLimit::kCommitLimit);
+  EXPECT_EQ(limit(true, {7000, kUnlimited, kUnlimited}), MemoryLimit::kMemoryGroup);
 }
 
 TEST(MemoryPolicyTest, FiguresDoNotWrapAround) {

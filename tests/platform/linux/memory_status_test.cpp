@@ -15,6 +15,8 @@
 namespace kestrel::tests {
 namespace {
 
+using platform::MemoryLimit;
+using platform::PathBuffer;
 using platform::ReadMemoryStatus;
 
 constexpr std::uint64_t kMebibyte = std::uint64_t{1} << 20;
@@ -86,6 +88,16 @@ class MemoryStatusTest : public testing::Test {
     tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
     WriteV2("/system.slice", {{}, 3072, 500, 100});
     WriteV2("/system.slice/render.service", service);
+  }
+
+  // Returns the directory of the group that decides, without the root; "" if another limit does.
+  std::string LimitingGroup() {
+    PathBuffer group;
+    EXPECT_TRUE(group.Append("left over"));
+    const auto status = ReadMemoryStatus(tree_.root(), &group);
+    const bool decides = status && status->limit == MemoryLimit::kMemoryGroup;
+    EXPECT_EQ(decides, !group.view().empty());
+    return decides ? std::string(group.view()).substr(tree_.root().size()) : "";
   }
 
   // Both figures in MiB.
@@ -194,6 +206,35 @@ TEST_F(MemoryStatusTest, StrictOvercommitInGroup) {
   tree_.Write("/proc/sys/vm/overcommit_memory", "2\n");
   WriteService({2048, 500, 120, 60, 4, 512});
   ExpectStatus(1732, 512);
+}
+
+TEST_F(MemoryStatusTest, TightestGroupIsTheLimit) {
+  WriteService({2048, 500});
+  EXPECT_EQ(LimitingGroup(), "/sys/fs/cgroup/system.slice/render.service");
+  WriteV2("/system.slice", {4096, 500});
+  EXPECT_EQ(LimitingGroup(), "/sys/fs/cgroup/system.slice/render.service");
+  WriteV2("/system.slice", {1024, 500});
+  EXPECT_EQ(LimitingGroup(), "/sys/fs/cgroup/system.slice");
+}
+
+TEST_F(MemoryStatusTest, TightestCommonLimitIsTheLimit) {
+  tree_.WriteGroups("3:memory:/a/b\n");
+  tree_.WriteMounts(MountV1("/", "/sys/fs/cgroup/memory"));
+  WriteV1("/a/b", {1024, 100, 0, 0, 0, 2048, 100});
+  WriteV1("/a", {4096, 3000, 0, 0, 0, 4096, 3500});
+  EXPECT_EQ(LimitingGroup(), "/sys/fs/cgroup/memory/a");
+}
+
+TEST_F(MemoryStatusTest, LimitAboveMachinesRamIsNotTheLimit) {
+  WriteService({65536, 2048});
+  EXPECT_EQ(LimitingGroup(), "");
+}
+
+TEST_F(MemoryStatusTest, FailedQueryNamesNoGroup) {
+  WriteService({2048, 500});
+  EXPECT_NE(LimitingGroup(), "");
+  tree_.MakeUnreadable("/proc/sys/vm/overcommit_memory");
+  EXPECT_EQ(LimitingGroup(), "");
 }
 
 // Reading a limit failed, so the group may have any.

@@ -20,10 +20,13 @@ namespace {
 
 using kestrel_utils::GetCpuUsage;
 using kestrel_utils::MemoryObserver;
+using platform::GroupDirectory;
 using platform::LogicalProcessorCount;
+using platform::MemoryLimit;
 using platform::Process;
 using platform::ProcessorArchitecture;
 using platform::ProcessRights;
+using platform::QueryMemoryLimit;
 using platform::QueryMemoryStatus;
 using platform::QueryTotalPhysicalMemory;
 
@@ -66,6 +69,21 @@ TEST_F(Win32CallsTest, MemoryStatusComesFromOneQuery) {
   EXPECT_EQ(win32().calls, Calls{"GlobalMemoryStatusEx(64)"});
 }
 
+TEST_F(Win32CallsTest, MemoryLimitIsAlwaysTheMachines) {
+  win32().memory.ullTotalPhys = 32 * kGiB;
+  win32().memory.ullAvailPhys = 20 * kGiB;
+  win32().memory.ullAvailPageFile = 4 * kGiB;
+  GroupDirectory directory;
+  directory.fill('x');
+  const auto status = QueryMemoryLimit(directory);
+  ASSERT_TRUE(status);
+  EXPECT_EQ(status->available_physical, 20 * kGiB);
+  EXPECT_EQ(status->committable, 4 * kGiB);
+  EXPECT_EQ(status->limit, MemoryLimit::kMachine);
+  EXPECT_EQ(directory.front(), '\0');
+  EXPECT_EQ(win32().calls, Calls{"GlobalMemoryStatusEx(64)"});
+}
+
 TEST_F(Win32CallsTest, TotalMemoryComesFromOneQuery) {
   win32().memory.ullTotalPhys = 32 * kGiB;
   EXPECT_EQ(QueryTotalPhysicalMemory(), 32 * kGiB);
@@ -75,6 +93,9 @@ TEST_F(Win32CallsTest, TotalMemoryComesFromOneQuery) {
 TEST_F(Win32CallsTest, FailedMemoryQueryReturnsNoFigures) {
   win32().memory_succeeds = false;
   EXPECT_FALSE(QueryMemoryStatus());
+  GroupDirectory directory;
+  EXPECT_FALSE(QueryMemoryLimit(directory));
+  EXPECT_EQ(directory.front(), '\0');
   EXPECT_FALSE(QueryTotalPhysicalMemory());
 }
 
