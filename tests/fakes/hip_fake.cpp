@@ -46,7 +46,7 @@ hipError_t hipMemGetInfo(std::size_t* free, std::size_t* total) {
   return status;
 }
 
-// A status without an entry has no text at all.
+// Returns no text for any other status.
 const char* hipGetErrorString(hipError_t status) {
   static_cast<void>(Call("hipGetErrorString"));
   switch (status) {

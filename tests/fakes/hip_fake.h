@@ -22,7 +22,7 @@ struct HipFake {
   // What an operation returns, by its name; hipSuccess for the others. Its figures are written
   // either way.
   std::map<std::string, hipError_t> statuses;
-  // What an operation does before anything else, by its name: throws, as a rule.
+  // What an operation does first, by its name: throw, for example.
   std::map<std::string, std::function<void()>> actions;
 
   std::vector<std::string> calls;

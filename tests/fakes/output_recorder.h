@@ -7,7 +7,7 @@
 
 namespace kestrel::tests {
 
-// Gathers std::cout and std::cerr into one text while it lives, so that their order shows.
+// Collects std::cout and std::cerr in one text while it lives, so that their order shows.
 class OutputRecorder {
  public:
   OutputRecorder() : cout_(std::cout.rdbuf(&text_)), cerr_(std::cerr.rdbuf(&text_)) {}
@@ -35,7 +35,7 @@ class OutputRecorder {
   std::streambuf* cerr_;
 };
 
-// What the routine prints.
+// Returns what the routine prints.
 template <typename Routine>
 std::string OutputOf(Routine routine) {
   const OutputRecorder output;

@@ -8,8 +8,8 @@
 
 namespace kestrel::tests {
 
-// What SurveyGpus and SurveyCpu return in a program that links surveys_fake.cpp in their place,
-// also what the real ones never would; and the order in which they were called.
+// The outcomes of SurveyGpus and SurveyCpu in a program that links surveys_fake.cpp in their place,
+// including outcomes that the real ones never have, and the order of the calls.
 struct SurveysFake {
   std::pair<system::Result, std::vector<system::GpuInfo>> gpu_survey;
   std::pair<system::Result, system::CpuInfo> cpu_survey;

@@ -1,4 +1,4 @@
-// The hardware survey routine over surveys that the library itself does not make.
+// PrintHardwareSurvey over survey outcomes that the library never returns.
 
 #include <gtest/gtest.h>
 
@@ -37,7 +37,7 @@ constexpr const char* kBeforeTheGpu =
     "  Detection Platform: Unknown\n"
     "  Detection Platform Version: \n";
 
-TEST_F(HardwareReportTest, AGpuWithoutOtherInfoHasNoSuchLine) {
+TEST_F(HardwareReportTest, GpuWithoutOtherInfoHasNoSuchLine) {
   Surveys().gpu_survey.second = {GpuInfo{}};
   EXPECT_EQ(OutputOf(PrintHardwareSurvey), std::string(kBeforeTheGpu) +
                                                "  ------------------------\n"
@@ -55,7 +55,7 @@ TEST_F(HardwareReportTest, OneEntryOfOtherInfoIsIndentedByFour) {
                                                "  ------------------------\n");
 }
 
-TEST_F(HardwareReportTest, EveryEntryOfOtherInfoStandsInTheMapsOrder) {
+TEST_F(HardwareReportTest, OtherInfoIsPrintedInTheOrderOfTheMap) {
   GpuInfo gpu;
   gpu.otherInfo = {{"a", "1"}, {"b", "2"}, {"c", "3"}};
   Surveys().gpu_survey.second = {gpu};
@@ -92,7 +92,7 @@ TEST_F(HardwareReportTest, EveryFieldIsPrinted) {
             "  ------------------------\n");
 }
 
-TEST_F(HardwareReportTest, AnyCodeButSuccessIsAFailure) {
+TEST_F(HardwareReportTest, AnyCodeButSuccessPrintsTheMessageOnly) {
   for (const auto code : {ResultCode::Unknown, ResultCode::NoDevices, static_cast<ResultCode>(9)}) {
     Surveys().gpu_survey = {{code, "no gpu"}, {}};
     Surveys().cpu_survey = {{code, "no cpu"}, {}};

@@ -75,7 +75,7 @@ TEST_F(RoutinesTest, HardwareSurveyWithoutDevicesPrintsOneClosingLine) {
                                                "  ------------------------\n");
 }
 
-TEST_F(RoutinesTest, HardwareSurveyPrintsAGpuFailureAfterTheCpu) {
+TEST_F(RoutinesTest, HardwareSurveyPrintsGpuFailureAfterTheCpu) {
   Install({});
   EXPECT_EQ(OutputOf(PrintHardwareSurvey),
             std::string(kCpuBlock) +
@@ -83,7 +83,7 @@ TEST_F(RoutinesTest, HardwareSurveyPrintsAGpuFailureAfterTheCpu) {
                 "Error trying to query ROCm gpus: No hip devices found!\n");
 }
 
-TEST_F(RoutinesTest, HardwareSurveyPrintsTheGpusAfterACpuFailure) {
+TEST_F(RoutinesTest, HardwareSurveyPrintsGpusAfterCpuFailure) {
   Platform().architecture = 0;
   Machine machine;
   machine.claimed_device_count = 0;
@@ -105,18 +105,18 @@ TEST_F(RoutinesTest, CpuUsagePrintsUpToSixDigits) {
             "CPU Usage (PID '1234') ....... 3.33333%\n");
 }
 
-TEST_F(RoutinesTest, CpuUsagePrintsTheMetersMessageBeforeTheWholeLine) {
+TEST_F(RoutinesTest, CpuUsagePrintsMessageOfTheMeterBeforeTheLine) {
   EXPECT_EQ(OutputOf([] { PrintCpuUsage(-5, 500); }),
             "Failed to get CPU usage for PID '-5' since PID must be positive!\n"
             "CPU Usage (PID '-5') ....... -1%\n");
 }
 
-TEST_F(RoutinesTest, ProcessMemoryPrintsPowersOf1000AndAPercentSign) {
+TEST_F(RoutinesTest, ProcessMemoryPrintsDecimalUnitsAndPercentSign) {
   Platform().resident_bytes = 12'340'000;
   EXPECT_EQ(OutputOf([] { PrintProcessMemory(77); }), "Mem Usage (PID '77') ....... 12.34 MB%\n");
 }
 
-TEST_F(RoutinesTest, ProcessMemoryPrintsTheMetersMessageBetweenLabelAndValue) {
+TEST_F(RoutinesTest, ProcessMemoryPrintsMessageOfTheMeterBetweenLabelAndValue) {
   EXPECT_EQ(OutputOf([] { PrintProcessMemory(0); }),
             "Mem Usage (PID '0') ....... "
             "Failed to get used RAM for PID '0' since PID must be positive!\n"
@@ -137,7 +137,7 @@ TEST_F(RoutinesTest, MachineMemoryPrintsFiveLinesInOneColumn) {
             "\n");
 }
 
-TEST_F(RoutinesTest, MachineMemoryPrintsTheMetersMessageBesideItsLabel) {
+TEST_F(RoutinesTest, MachineMemoryPrintsMessageOfTheMeterAfterItsLabel) {
   Install({});
   EXPECT_EQ(OutputOf(PrintMachineMemory),
             "Machine physical RAM ........ 16.00 GiB\n"
@@ -149,7 +149,7 @@ TEST_F(RoutinesTest, MachineMemoryPrintsTheMetersMessageBesideItsLabel) {
             "\n");
 }
 
-// A reader who watches a slow survey sees every line when it is written.
+// A user who watches a slow survey sees each line when it is printed.
 TEST_F(RoutinesTest, EveryLineIsFlushed) {
   Machine machine;
   machine.devices.resize(2);
@@ -161,7 +161,7 @@ TEST_F(RoutinesTest, EveryLineIsFlushed) {
   EXPECT_EQ(output.flushes(), std::count(text.begin(), text.end(), '\n'));
 }
 
-// So that a message of the meter comes after its label: the meters do not flush std::cout.
+// Otherwise a message of the meter would come before its label: the meters do not flush std::cout.
 TEST_F(RoutinesTest, EveryLabelIsFlushedBeforeItsMeterRuns) {
   Machine machine;
   machine.devices.resize(1);

@@ -29,57 +29,57 @@ void ExpectBoth(const CpuInfo& info) {
   EXPECT_EQ(info.supportedInstructionSetExtensions, (Extensions{Extension::AVX, Extension::AVX2}));
 }
 
-TEST(CpuArchitectureTest, HasItsFixedNumbers) {
+TEST(CpuArchitectureTest, EnumeratorsHaveFixedNumbers) {
   static_assert(std::is_same_v<std::underlying_type_t<CpuArchitecture>, std::int32_t>);
   EXPECT_EQ(static_cast<int>(CpuArchitecture::x86_64), 0);
   EXPECT_EQ(static_cast<int>(CpuArchitecture::ARM64), 1);
   EXPECT_EQ(static_cast<int>(CpuArchitecture::Unknown), 2);
 }
 
-TEST(CpuArchitectureTest, NamesTheEnumerators) {
+TEST(CpuArchitectureTest, EnumeratorsHaveFixedNames) {
   EXPECT_EQ(CpuArchitectureToStr(CpuArchitecture::x86_64), "x86_64");
   EXPECT_EQ(CpuArchitectureToStr(CpuArchitecture::ARM64), "ARM64");
   EXPECT_EQ(CpuArchitectureToStr(CpuArchitecture::Unknown), "Unknown");
 }
 
-TEST(CpuArchitectureTest, NamesValuesOutsideTheEnumerationX8664) {
+TEST(CpuArchitectureTest, ValueOutsideTheEnumerationIsNamedX8664) {
   EXPECT_EQ(CpuArchitectureToStr(static_cast<CpuArchitecture>(3)), "x86_64");
   EXPECT_EQ(CpuArchitectureToStr(static_cast<CpuArchitecture>(7)), "x86_64");
   EXPECT_EQ(CpuArchitectureToStr(static_cast<CpuArchitecture>(-1)), "x86_64");
 }
 
-TEST(CpuInstructionSetExtensionTest, HasItsFixedNumbers) {
+TEST(CpuInstructionSetExtensionTest, EnumeratorsHaveFixedNumbers) {
   static_assert(std::is_same_v<std::underlying_type_t<Extension>, std::int32_t>);
   EXPECT_EQ(static_cast<int>(Extension::AVX), 0);
   EXPECT_EQ(static_cast<int>(Extension::AVX2), 1);
   EXPECT_EQ(static_cast<int>(Extension::AdvSIMD), 2);
 }
 
-TEST(CpuInstructionSetExtensionTest, NamesTheEnumerators) {
+TEST(CpuInstructionSetExtensionTest, EnumeratorsHaveFixedNames) {
   EXPECT_EQ(CpuInstructionSetExtensionToStr(Extension::AVX), "AVX");
   EXPECT_EQ(CpuInstructionSetExtensionToStr(Extension::AVX2), "AVX2");
   EXPECT_EQ(CpuInstructionSetExtensionToStr(Extension::AdvSIMD), "AdvSIMD");
 }
 
-TEST(CpuInstructionSetExtensionTest, NamesValuesOutsideTheEnumerationAvx) {
+TEST(CpuInstructionSetExtensionTest, ValueOutsideTheEnumerationIsNamedAvx) {
   EXPECT_EQ(CpuInstructionSetExtensionToStr(static_cast<Extension>(3)), "AVX");
   EXPECT_EQ(CpuInstructionSetExtensionToStr(static_cast<Extension>(-1)), "AVX");
 }
 
-TEST(CpuInstructionSetExtensionsTest, AnEmptySetHasAnEmptyText) {
+TEST(CpuInstructionSetExtensionsTest, EmptySetReturnsEmptyText) {
   EXPECT_EQ(CpuInstructionSetExtensionsToStr({}), "");
 }
 
-TEST(CpuInstructionSetExtensionsTest, ASingleElementStandsAlone) {
+TEST(CpuInstructionSetExtensionsTest, SingleElementHasNoSeparator) {
   EXPECT_EQ(CpuInstructionSetExtensionsToStr({Extension::AVX2}), "AVX2");
   EXPECT_EQ(CpuInstructionSetExtensionsToStr({Extension::AdvSIMD}), "AdvSIMD");
 }
 
-TEST(CpuInstructionSetExtensionsTest, BothDetectedExtensionsAreJoined) {
+TEST(CpuInstructionSetExtensionsTest, TwoElementsAreJoinedByCommaAndBlank) {
   EXPECT_EQ(CpuInstructionSetExtensionsToStr({Extension::AVX, Extension::AVX2}), "AVX, AVX2");
 }
 
-TEST(CpuInstructionSetExtensionsTest, TheOrderOfInsertionDoesNotMatter) {
+TEST(CpuInstructionSetExtensionsTest, AnyOrderOfInsertionReturnsAscendingOrder) {
   Extensions backwards;
   backwards.insert(Extension::AdvSIMD);
   backwards.insert(Extension::AVX2);
@@ -87,19 +87,19 @@ TEST(CpuInstructionSetExtensionsTest, TheOrderOfInsertionDoesNotMatter) {
   EXPECT_EQ(CpuInstructionSetExtensionsToStr(backwards), "AVX, AVX2, AdvSIMD");
 }
 
-TEST(CpuInstructionSetExtensionsTest, ValuesOutsideTheEnumerationAreNamedInTheirPlace) {
+TEST(CpuInstructionSetExtensionsTest, ValueOutsideTheEnumerationIsSortedByValueAndNamedAvx) {
   EXPECT_EQ(CpuInstructionSetExtensionsToStr({static_cast<Extension>(9), Extension::AVX2}),
             "AVX2, AVX");
 }
 
-TEST(CpuInfoTest, KnowsNothingByDefault) {
+TEST(CpuInfoTest, DefaultIsUnknownAndEmpty) {
   const CpuInfo info;
   EXPECT_EQ(info.architecture, CpuArchitecture::Unknown);
   EXPECT_TRUE(info.supportedInstructionSetExtensions.empty());
   EXPECT_EQ(CpuArchitectureToStr(info.architecture), "Unknown");
 }
 
-TEST(CpuInfoTest, ChangingACopyLeavesTheSource) {
+TEST(CpuInfoTest, ChangedCopyLeavesSourceUnchanged) {
   const CpuInfo source = Both();
   CpuInfo copy = source;
   copy.supportedInstructionSetExtensions.insert(Extension::AdvSIMD);
@@ -110,7 +110,7 @@ TEST(CpuInfoTest, ChangingACopyLeavesTheSource) {
   ExpectBoth(source);
 }
 
-TEST(CpuInfoTest, MovesWithoutThrowing) {
+TEST(CpuInfoTest, MoveKeepsEveryField) {
   static_assert(std::is_nothrow_move_constructible_v<CpuInfo>);
   static_assert(std::is_nothrow_move_assignable_v<CpuInfo>);
   CpuInfo source = Both();
@@ -121,7 +121,7 @@ TEST(CpuInfoTest, MovesWithoutThrowing) {
   ExpectBoth(assigned);
 }
 
-TEST(CpuInfoTest, AssignedToItselfStaysAsItIs) {
+TEST(CpuInfoTest, SelfAssignmentChangesNothing) {
   CpuInfo info = Both();
   CpuInfo& same = info;
   info = same;

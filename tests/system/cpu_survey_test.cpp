@@ -56,7 +56,7 @@ TEST_F(CpuSurveyTest, SkylakeHasAvxAndAvx2) {
             "AVX, AVX2");
 }
 
-// AMD EPYC 7003 (family 19h, model 1) inside a KVM guest, as cpuid showed it there.
+// AMD EPYC 7003 (family 19h, model 1) inside a KVM guest: cpuid(1) run there.
 TEST_F(CpuSurveyTest, MilanGuestHasAvxAndAvx2) {
   SetLeaves({0x00A00F11, 0x01020800, 0xFFFA3203, 0x178BFBFF}, {0, 0x219C07AB, 0x00400684, 0x10});
   ExpectX8664With({Extension::AVX, Extension::AVX2});
@@ -74,7 +74,7 @@ TEST_F(CpuSurveyTest, LlanoHasNeither) {
   ExpectX8664With({});
 }
 
-// What "qemu-x86_64 -cpu Haswell,-avx" shows: a virtual machine may hide one flag of the two.
+// CPUID under "qemu-x86_64 -cpu Haswell,-avx": a virtual machine can hide one of the two flags.
 TEST_F(CpuSurveyTest, HaswellWithAvxHiddenHasAvx2Only) {
   SetLeaves({0x000306C4, 0x00000800, 0xEED83203, 0x078BFBFD}, {0, 0x000003A9, 0, 0});
   ExpectX8664With({Extension::AVX2});
@@ -86,26 +86,26 @@ TEST_F(CpuSurveyTest, SandyBridgeWithWideRegistersDisabledStillHasAvx) {
   ExpectX8664With({Extension::AVX});
 }
 
-TEST_F(CpuSurveyTest, OnlyTheTwoFlagsAreLookedAt) {
+TEST_F(CpuSurveyTest, AllOtherFlagsSetReportNoExtension) {
   const std::uint32_t all = 0xFFFFFFFF;
   SetLeaves({all, all, all & ~kAvx, all}, {all, all & ~0x20U, all, all});
   ExpectX8664With({});
 }
 
-TEST_F(CpuSurveyTest, AsksForTheArchitectureThenForLeaf1ThenForLeaf7) {
+TEST_F(CpuSurveyTest, SurveyReadsArchitectureThenLeaf1ThenLeaf7) {
   static_cast<void>(SurveyCpu());
   EXPECT_EQ(Platform().calls,
             (std::vector<std::string>{"ProcessorArchitecture()", "Cpuid(1, 0)", "Cpuid(7, 0)"}));
 }
 
-TEST_F(CpuSurveyTest, EveryCallProbesAfresh) {
+TEST_F(CpuSurveyTest, ChangedProcessorShowsAtTheNextCall) {
   SetLeaves({0, 0, kAvx, 0}, {});
   ExpectX8664With({Extension::AVX});
   SetLeaves({}, {0, 0x20, 0, 0});
   ExpectX8664With({Extension::AVX2});
 }
 
-TEST_F(CpuSurveyTest, Arm64IsNamedAndStillProbed) {
+TEST_F(CpuSurveyTest, Arm64IsNamedAndProbed) {
   SetLeaves({0, 0, kAvx, 0}, {});
   Platform().architecture = 12;
   const auto [result, info] = SurveyCpu();
@@ -114,7 +114,7 @@ TEST_F(CpuSurveyTest, Arm64IsNamedAndStillProbed) {
   EXPECT_EQ(info.supportedInstructionSetExtensions, Extensions{Extension::AVX});
 }
 
-TEST_F(CpuSurveyTest, Arm32CountsAsArm64AndIsStillProbed) {
+TEST_F(CpuSurveyTest, Arm32CountsAsArm64AndIsProbed) {
   SetLeaves({0, 0, kAvx, 0}, {0, 0x20, 0, 0});
   Platform().architecture = 5;
   const auto [result, info] = SurveyCpu();
@@ -125,14 +125,14 @@ TEST_F(CpuSurveyTest, Arm32CountsAsArm64AndIsStillProbed) {
 
 TEST_F(CpuSurveyTest, Intel32IsUnsupported) { ExpectUnsupported(0); }
 TEST_F(CpuSurveyTest, ItaniumIsUnsupported) { ExpectUnsupported(6); }
-TEST_F(CpuSurveyTest, AnUnknownArchitectureIsUnsupported) { ExpectUnsupported(0xFFFF); }
+TEST_F(CpuSurveyTest, UnknownArchitectureIsUnsupported) { ExpectUnsupported(0xFFFF); }
 
-TEST_F(CpuSurveyTest, NothingIsProbedOnAnUnsupportedArchitecture) {
+TEST_F(CpuSurveyTest, UnsupportedArchitectureIsNotProbed) {
   ExpectUnsupported(0);
   EXPECT_EQ(Platform().calls, std::vector<std::string>{"ProcessorArchitecture()"});
 }
 
-TEST_F(CpuSurveyTest, DetectionThrowsARuntimeErrorForAnUnsupportedArchitecture) {
+TEST_F(CpuSurveyTest, UnsupportedArchitectureMakesDetectionThrowRuntimeError) {
   Platform().architecture = 0;
   try {
     static_cast<void>(DetectCpuInfo());

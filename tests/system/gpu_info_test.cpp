@@ -40,25 +40,25 @@ void ExpectCard(const GpuInfo& gpu) {
   EXPECT_EQ(gpu.otherInfo.at("bus"), "0000:03:00.0");
 }
 
-TEST(GpuIntegrationTypeTest, HasItsFixedNumbers) {
+TEST(GpuIntegrationTypeTest, EnumeratorsHaveFixedNumbers) {
   static_assert(std::is_same_v<std::underlying_type_t<GpuIntegrationType>, std::int32_t>);
   EXPECT_EQ(static_cast<int>(GpuIntegrationType::Unknown), 0);
   EXPECT_EQ(static_cast<int>(GpuIntegrationType::Integrated), 1);
   EXPECT_EQ(static_cast<int>(GpuIntegrationType::Discrete), 2);
 }
 
-TEST(GpuIntegrationTypeTest, NamesTheEnumerators) {
+TEST(GpuIntegrationTypeTest, EnumeratorsHaveFixedNames) {
   EXPECT_EQ(GpuIntegrationTypeToStr(GpuIntegrationType::Unknown), "Unknown");
   EXPECT_EQ(GpuIntegrationTypeToStr(GpuIntegrationType::Integrated), "Integrated");
   EXPECT_EQ(GpuIntegrationTypeToStr(GpuIntegrationType::Discrete), "Discrete");
 }
 
-TEST(GpuIntegrationTypeTest, NamesEveryOtherValueUnknown) {
+TEST(GpuIntegrationTypeTest, ValueOutsideTheEnumerationIsNamedUnknown) {
   EXPECT_EQ(GpuIntegrationTypeToStr(static_cast<GpuIntegrationType>(3)), "Unknown");
   EXPECT_EQ(GpuIntegrationTypeToStr(static_cast<GpuIntegrationType>(-1)), "Unknown");
 }
 
-TEST(GpuSoftwarePlatformTest, HasItsFixedNumbersAndNames) {
+TEST(GpuSoftwarePlatformTest, EnumeratorsHaveFixedNumbersAndNames) {
   static_assert(std::is_same_v<std::underlying_type_t<GpuSoftwarePlatform>, std::int32_t>);
   const char* const names[] = {"Unknown", "ROCm", "Cuda", "OpenCl", "Metal", "DirectML", "Vulkan"};
   for (int value = 0; value < 7; ++value) {
@@ -73,12 +73,12 @@ TEST(GpuSoftwarePlatformTest, HasItsFixedNumbersAndNames) {
   EXPECT_EQ(static_cast<int>(GpuSoftwarePlatform::Vulkan), 6);
 }
 
-TEST(GpuSoftwarePlatformTest, NamesEveryOtherValueUnknown) {
+TEST(GpuSoftwarePlatformTest, ValueOutsideTheEnumerationIsNamedUnknown) {
   EXPECT_EQ(GpuSoftwarePlatformToStr(static_cast<GpuSoftwarePlatform>(7)), "Unknown");
   EXPECT_EQ(GpuSoftwarePlatformToStr(static_cast<GpuSoftwarePlatform>(-1)), "Unknown");
 }
 
-TEST(GpuInfoTest, HasItsDefaults) {
+TEST(GpuInfoTest, DefaultIsUnknownAndEmpty) {
   const GpuInfo gpu;
   EXPECT_EQ(gpu.name, "");
   EXPECT_EQ(gpu.deviceId, -1);
@@ -90,7 +90,7 @@ TEST(GpuInfoTest, HasItsDefaults) {
   EXPECT_TRUE(gpu.otherInfo.empty());
 }
 
-TEST(GpuInfoTest, ChangingACopyLeavesTheSource) {
+TEST(GpuInfoTest, ChangedCopyLeavesSourceUnchanged) {
   const GpuInfo source = Card();
   GpuInfo copy = source;
   copy.otherInfo["gcnArchName"] = "changed";
@@ -103,7 +103,7 @@ TEST(GpuInfoTest, ChangingACopyLeavesTheSource) {
   ExpectCard(source);
 }
 
-TEST(GpuInfoTest, MovingKeepsEveryField) {
+TEST(GpuInfoTest, MoveKeepsEveryField) {
   static_assert(std::is_nothrow_move_constructible_v<GpuInfo>);
   static_assert(std::is_nothrow_move_assignable_v<GpuInfo>);
   GpuInfo source = Card();

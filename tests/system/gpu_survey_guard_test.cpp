@@ -13,7 +13,7 @@ namespace {
 
 using system::SurveyGpus;
 
-// The host sees what the runtime throws: the survey has no status for it.
+// The survey has no status for an exception, so the host gets it.
 TEST(GpuSurveyGuardTest, ExceptionOfAnyCallPassesThrough) {
   for (const char* operation :
        {"hipGetDeviceCount", "hipGetDeviceProperties", "hipSetDevice", "hipMemGetInfo"}) {

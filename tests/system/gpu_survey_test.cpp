@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <ostream>
 #include <string>
 
 #include "simulator/control.h"
@@ -36,7 +37,7 @@ Machine MachineWith(int device_count) {
   return machine;
 }
 
-// The calls of a survey of the first devices, whole.
+// The calls of a survey that describes this many devices.
 std::vector<std::string> CallsFor(int device_count) {
   std::vector<std::string> calls = {"hipGetDeviceCount()"};
   for (int i = 0; i < device_count; ++i) {
@@ -64,7 +65,7 @@ GpuInfo SurveyOnly(const Device& device) {
   return gpus.empty() ? GpuInfo{} : gpus.front();
 }
 
-TEST(GpuSurveyTest, AFailingDeviceCountMeansNoDevices) {
+TEST(GpuSurveyTest, FailedDeviceCountReturnsNoDevices) {
   Machine machine = MachineWith(2);
   machine.faults = {{"hipGetDeviceCount", {}, {}, hipErrorNoDevice}};
   simulator::Install(machine);
@@ -72,7 +73,7 @@ TEST(GpuSurveyTest, AFailingDeviceCountMeansNoDevices) {
   EXPECT_EQ(simulator::RecordedCalls(), CallsFor(0));
 }
 
-TEST(GpuSurveyTest, TheHipStatusOfAFailingDeviceCountDoesNotMatter) {
+TEST(GpuSurveyTest, AnyStatusOfFailedDeviceCountReturnsTheSameMessage) {
   for (const hipError_t status : {hipErrorNotInitialized, hipErrorOutOfMemory, hipErrorUnknown}) {
     Machine machine;
     machine.faults = {{"hipGetDeviceCount", {}, {}, status}};
@@ -81,7 +82,7 @@ TEST(GpuSurveyTest, TheHipStatusOfAFailingDeviceCountDoesNotMatter) {
   }
 }
 
-TEST(GpuSurveyTest, ZeroDevicesReportedWithSuccessAreASuccess) {
+TEST(GpuSurveyTest, ZeroDevicesReturnSuccessAndEmptyList) {
   Machine machine;
   machine.claimed_device_count = 0;
   simulator::Install(machine);
@@ -92,7 +93,7 @@ TEST(GpuSurveyTest, ZeroDevicesReportedWithSuccessAreASuccess) {
   EXPECT_EQ(simulator::RecordedCalls(), CallsFor(0));
 }
 
-TEST(GpuSurveyTest, ANegativeCountDescribesNoDevice) {
+TEST(GpuSurveyTest, NegativeCountReturnsSuccessAndEmptyList) {
   Machine machine = MachineWith(1);
   machine.claimed_device_count = -1;
   simulator::Install(machine);
@@ -102,7 +103,7 @@ TEST(GpuSurveyTest, ANegativeCountDescribesNoDevice) {
   EXPECT_EQ(simulator::RecordedCalls(), CallsFor(0));
 }
 
-TEST(GpuSurveyTest, ThreeDevicesAreDescribedInOrder) {
+TEST(GpuSurveyTest, ThreeDevicesAreListedInOrder) {
   simulator::Install(MachineWith(3));
   const auto [result, gpus] = SurveyGpus();
   EXPECT_EQ(result.code, ResultCode::Success);
@@ -124,7 +125,7 @@ TEST(GpuSurveyTest, ThreeDevicesAreDescribedInOrder) {
   EXPECT_EQ(simulator::CurrentDevice(), 2);
 }
 
-TEST(GpuSurveyTest, IntegratedIsWhateverIsNotZero) {
+TEST(GpuSurveyTest, AnyNonzeroValueIsIntegrated) {
   Device device;
   EXPECT_EQ(SurveyOnly(device).integrationType, GpuIntegrationType::Discrete);
   for (const int integrated : {1, 2, -1, std::numeric_limits<int>::min()}) {
@@ -133,7 +134,7 @@ TEST(GpuSurveyTest, IntegratedIsWhateverIsNotZero) {
   }
 }
 
-TEST(GpuSurveyTest, TotalMemoryIsWhatTheMemoryQuerySays) {
+TEST(GpuSurveyTest, TotalMemoryComesFromTheMemoryQuery) {
   Device device;
   device.total_memory = 8 * kGiB;
   device.properties_memory = 7 * kGiB;
@@ -141,13 +142,13 @@ TEST(GpuSurveyTest, TotalMemoryIsWhatTheMemoryQuerySays) {
   EXPECT_EQ(SurveyOnly(device).totalMemory, 8 * kGiB);
 }
 
-TEST(GpuSurveyTest, AMemorySizeOf64BitsIsKept) {
+TEST(GpuSurveyTest, LargestMemorySizeIsKept) {
   Device device;
   device.total_memory = std::numeric_limits<std::uint64_t>::max();
   EXPECT_EQ(SurveyOnly(device).totalMemory, std::numeric_limits<std::uint64_t>::max());
 }
 
-TEST(GpuSurveyTest, NamesEndWithTheirArray) {
+TEST(GpuSurveyTest, NameWithoutNulEndsWithItsArray) {
   Device device;
   device.name = std::string(300, 'n');
   device.arch = std::string(300, 'a');
@@ -156,7 +157,7 @@ TEST(GpuSurveyTest, NamesEndWithTheirArray) {
   EXPECT_EQ(gpu.otherInfo.at("gcnArchName"), std::string(256, 'a'));
 }
 
-TEST(GpuSurveyTest, NamesEndAtTheirFirstNul) {
+TEST(GpuSurveyTest, NameEndsAtTheFirstNul) {
   Device device;
   device.name = std::string("seen\0unseen", 11);
   device.arch = std::string("gfx90a\0tail", 11);
@@ -165,7 +166,7 @@ TEST(GpuSurveyTest, NamesEndAtTheirFirstNul) {
   EXPECT_EQ(gpu.otherInfo.at("gcnArchName"), "gfx90a");
 }
 
-TEST(GpuSurveyTest, AFailureAfterAGoodDeviceReturnsNoDevice) {
+TEST(GpuSurveyTest, FailureAfterGoodDeviceReturnsEmptyList) {
   Machine machine = MachineWith(3);
   machine.faults = {{"hipMemGetInfo", 1, {}, hipErrorUnknown}};
   simulator::Install(machine);
@@ -174,15 +175,15 @@ TEST(GpuSurveyTest, AFailureAfterAGoodDeviceReturnsNoDevice) {
   EXPECT_EQ(simulator::CurrentDevice(), 1);
 }
 
-// No memory is taken on the runtime's word: the claim would be terabytes of records.
-TEST(GpuSurveyTest, AnAbsurdCountEndsAtTheFirstDeviceThatIsNotThere) {
+// Memory reserved for this count would be terabytes.
+TEST(GpuSurveyTest, AbsurdCountFailsAtTheFirstMissingDevice) {
   Machine machine = MachineWith(2);
   machine.claimed_device_count = std::numeric_limits<int>::max();
   simulator::Install(machine);
   ExpectFailure(ResultCode::DeviceQueryFailed, "Invalid hip device at device id'2'");
 }
 
-TEST(GpuSurveyTest, EveryCallAsksTheRuntimeAfresh) {
+TEST(GpuSurveyTest, ChangedMachineShowsAtTheNextCall) {
   simulator::Install(MachineWith(1));
   EXPECT_EQ(SurveyGpus().second.size(), 1U);
   simulator::Install(MachineWith(2));
@@ -197,9 +198,12 @@ struct FailurePoint {
   bool made_current;
 };
 
+// GoogleTest would print the bytes of its pointers, which differ from run to run.
+void PrintTo(const FailurePoint& point, std::ostream* out) { *out << point.operation; }
+
 class GpuSurveyFailureTest : public testing::TestWithParam<FailurePoint> {};
 
-TEST_P(GpuSurveyFailureTest, EndsTheSurveyThereForEveryDeviceOfUpTo16) {
+TEST_P(GpuSurveyFailureTest, FailureAtAnyOfUpTo16DevicesEndsTheSurveyThere) {
   const FailurePoint& point = GetParam();
   for (int count = 1; count <= 16; ++count) {
     for (int bad = 0; bad < count; ++bad) {

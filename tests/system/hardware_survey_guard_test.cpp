@@ -1,4 +1,4 @@
-// SurveyHardware over surveys that break their promise of no data beside a failure.
+// SurveyHardware over surveys that break their contract: they return data with a failure.
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ using system::HardwareSurveyResult;
 using system::ResultCode;
 using system::SurveyHardware;
 
-// Data stands beside both codes, whether they allow it or not.
+// Both surveys return data, whatever their codes.
 void SetSurveys(ResultCode gpu_code, ResultCode cpu_code) {
   CpuInfo cpu;
   cpu.architecture = CpuArchitecture::ARM64;
@@ -27,7 +27,7 @@ void SetSurveys(ResultCode gpu_code, ResultCode cpu_code) {
       {{gpu_code, "gpu text"}, std::vector<GpuInfo>(2)}, {{cpu_code, "cpu text"}, cpu}, {}};
 }
 
-TEST(HardwareSurveyGuardTest, DataBesideAnyFailureIsDropped) {
+TEST(HardwareSurveyGuardTest, DataOfFailedSurveyIsDropped) {
   for (const ResultCode code : {ResultCode::Unknown, ResultCode::Failure, ResultCode::NoDevices,
                                 ResultCode::DeviceQueryFailed, static_cast<ResultCode>(99)}) {
     SetSurveys(code, code);
@@ -42,7 +42,7 @@ TEST(HardwareSurveyGuardTest, DataBesideAnyFailureIsDropped) {
   }
 }
 
-TEST(HardwareSurveyGuardTest, DataBesideSuccessIsKept) {
+TEST(HardwareSurveyGuardTest, DataOfSuccessfulSurveyIsKept) {
   SetSurveys(ResultCode::Success, ResultCode::Success);
   const HardwareSurveyResult survey = SurveyHardware();
   EXPECT_EQ(survey.gpuSurvey.second.size(), 2U);
@@ -50,7 +50,7 @@ TEST(HardwareSurveyGuardTest, DataBesideSuccessIsKept) {
   EXPECT_EQ(survey.cpuSurvey.second.supportedInstructionSetExtensions.size(), 1U);
 }
 
-TEST(HardwareSurveyGuardTest, GpusComeFirstAndTheCpuWhateverBecameOfThem) {
+TEST(HardwareSurveyGuardTest, CpuIsSurveyedAfterTheGpusEvenIfTheyFail) {
   for (const ResultCode code : {ResultCode::Success, ResultCode::DeviceQueryFailed}) {
     SetSurveys(code, ResultCode::Success);
     static_cast<void>(SurveyHardware());

@@ -49,11 +49,9 @@ void ExpectDefault(const HardwareSurveyResult& survey) {
   EXPECT_TRUE(survey.cpuSurvey.second.supportedInstructionSetExtensions.empty());
 }
 
-TEST(HardwareSurveyResultTest, IsUnknownAndEmptyByDefault) {
-  ExpectDefault(HardwareSurveyResult{});
-}
+TEST(HardwareSurveyResultTest, DefaultIsUnknownAndEmpty) { ExpectDefault(HardwareSurveyResult{}); }
 
-TEST(HardwareSurveyResultTest, ADefaultOneCopiedMovedAndAssignedToItselfStaysDefault) {
+TEST(HardwareSurveyResultTest, CopyMoveAndSelfAssignmentOfDefaultStayDefault) {
   HardwareSurveyResult survey;
   HardwareSurveyResult copy = survey;
   ExpectDefault(copy);
@@ -64,7 +62,7 @@ TEST(HardwareSurveyResultTest, ADefaultOneCopiedMovedAndAssignedToItselfStaysDef
   ExpectDefault(survey);
 }
 
-TEST(HardwareSurveyResultTest, ChangingACopyLeavesTheSource) {
+TEST(HardwareSurveyResultTest, ChangedCopyLeavesSourceUnchanged) {
   const HardwareSurveyResult source = Filled();
   HardwareSurveyResult copy = source;
   copy.gpuSurvey.second.clear();
@@ -74,7 +72,7 @@ TEST(HardwareSurveyResultTest, ChangingACopyLeavesTheSource) {
   ExpectFilled(copy);
 }
 
-TEST(HardwareSurveyResultTest, MovingKeepsEveryField) {
+TEST(HardwareSurveyResultTest, MoveKeepsEveryField) {
   static_assert(std::is_nothrow_move_constructible_v<HardwareSurveyResult>);
   static_assert(std::is_nothrow_move_assignable_v<HardwareSurveyResult>);
   HardwareSurveyResult source = Filled();
@@ -85,7 +83,7 @@ TEST(HardwareSurveyResultTest, MovingKeepsEveryField) {
   ExpectFilled(assigned);
 }
 
-TEST(HardwareSurveyResultTest, AssignedToItselfStaysAsItIs) {
+TEST(HardwareSurveyResultTest, SelfAssignmentChangesNothing) {
   HardwareSurveyResult survey = Filled();
   HardwareSurveyResult& same = survey;
   survey = same;
@@ -105,7 +103,7 @@ class HardwareSurveyTest : public testing::Test {
   }
 };
 
-TEST_F(HardwareSurveyTest, BothSurveysSucceed) {
+TEST_F(HardwareSurveyTest, WorkingMachineReturnsTwoSuccesses) {
   InstallTwoCards();
   const HardwareSurveyResult survey = SurveyHardware();
   EXPECT_EQ(survey.gpuSurvey.first.code, ResultCode::Success);
@@ -116,7 +114,7 @@ TEST_F(HardwareSurveyTest, BothSurveysSucceed) {
   EXPECT_EQ(survey.cpuSurvey.second.architecture, CpuArchitecture::x86_64);
 }
 
-TEST_F(HardwareSurveyTest, AFailingGpuSurveyLeavesTheCpuSurvey) {
+TEST_F(HardwareSurveyTest, FailedGpuSurveyKeepsCpuSurvey) {
   simulator::Install({});
   const HardwareSurveyResult survey = SurveyHardware();
   EXPECT_EQ(survey.gpuSurvey.first.code, ResultCode::NoDevices);
@@ -127,7 +125,7 @@ TEST_F(HardwareSurveyTest, AFailingGpuSurveyLeavesTheCpuSurvey) {
   EXPECT_EQ(survey.cpuSurvey.second.architecture, CpuArchitecture::x86_64);
 }
 
-TEST_F(HardwareSurveyTest, AFailureAfterAGoodDeviceLeavesNoDevice) {
+TEST_F(HardwareSurveyTest, FailureAfterGoodDeviceReturnsEmptyList) {
   simulator::Machine machine;
   machine.devices.resize(3);
   machine.faults = {{"hipSetDevice", 2, {}, hipErrorUnknown}};
@@ -137,7 +135,7 @@ TEST_F(HardwareSurveyTest, AFailureAfterAGoodDeviceLeavesNoDevice) {
   EXPECT_TRUE(survey.gpuSurvey.second.empty());
 }
 
-TEST_F(HardwareSurveyTest, AFailingCpuSurveyLeavesTheGpuSurvey) {
+TEST_F(HardwareSurveyTest, FailedCpuSurveyKeepsGpuSurvey) {
   InstallTwoCards();
   Platform().architecture = 0;
   const HardwareSurveyResult survey = SurveyHardware();

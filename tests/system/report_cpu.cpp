@@ -1,5 +1,5 @@
-// Prints what SurveyCpu finds. It is built without AVX2, so that it also runs on the emulated
-// processors that lack it.
+// Prints the outcome of SurveyCpu. Built without AVX2, so that it also runs on emulated processors
+// that lack it.
 
 #include <iostream>
 

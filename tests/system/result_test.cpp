@@ -11,13 +11,13 @@ namespace {
 using system::Result;
 using system::ResultCode;
 
-TEST(ResultTest, IsUnknownWithoutMessageByDefault) {
+TEST(ResultTest, DefaultIsUnknownWithoutMessage) {
   const Result result;
   EXPECT_EQ(result.code, ResultCode::Unknown);
   EXPECT_EQ(result.message, "");
 }
 
-TEST(ResultTest, CodesHaveTheirFixedNumbers) {
+TEST(ResultTest, CodesHaveFixedNumbers) {
   static_assert(std::is_same_v<std::underlying_type_t<ResultCode>, std::int32_t>);
   EXPECT_EQ(static_cast<int>(ResultCode::Unknown), 0);
   EXPECT_EQ(static_cast<int>(ResultCode::Success), 1);
@@ -26,7 +26,7 @@ TEST(ResultTest, CodesHaveTheirFixedNumbers) {
   EXPECT_EQ(static_cast<int>(ResultCode::DeviceQueryFailed), 4);
 }
 
-TEST(ResultTest, ChangingACopyLeavesTheSource) {
+TEST(ResultTest, ChangedCopyLeavesSourceUnchanged) {
   const Result source{ResultCode::Failure, "why"};
   Result copy = source;
   copy.code = ResultCode::Success;
@@ -35,7 +35,7 @@ TEST(ResultTest, ChangingACopyLeavesTheSource) {
   EXPECT_EQ(source.message, "why");
 }
 
-TEST(ResultTest, AMovedFromResultMayBeAssignedAgain) {
+TEST(ResultTest, MovedFromResultCanBeAssigned) {
   Result source{ResultCode::NoDevices, "a text too long for the string's own small buffer"};
   const Result taken = std::move(source);
   EXPECT_EQ(taken.message, "a text too long for the string's own small buffer");

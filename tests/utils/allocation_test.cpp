@@ -1,5 +1,5 @@
-// No successful meter call takes heap memory: counted by an allocator that stands before the C
-// library's own, for this program and the libraries that it loads.
+// No successful meter call allocates heap memory. The program replaces the C library's allocation
+// functions, also for the libraries that it loads, and counts their calls.
 
 #include <gtest/gtest.h>
 
@@ -13,7 +13,7 @@
 #include "utils/memory_observer.h"
 
 extern "C" {
-// glibc's allocator under its other names.
+// The names under which glibc's allocator remains available.
 void* __libc_malloc(std::size_t size);                           // NOLINT
 void* __libc_calloc(std::size_t count, std::size_t size);        // NOLINT
 void* __libc_realloc(void* memory, std::size_t size);            // NOLINT
@@ -69,7 +69,8 @@ namespace {
 using kestrel_utils::GetCpuUsage;
 using kestrel_utils::MemoryObserver;
 
-// How often the action allocates, the second time: what the C library sets up once does not count.
+// Returns how often the second run of the action allocates. The C library sets itself up in the
+// first.
 template <typename Action>
 int AllocationsOf(Action action) {
   action();
@@ -80,28 +81,28 @@ int AllocationsOf(Action action) {
   return allocations;
 }
 
-TEST(AllocationTest, TheCounterCounts) {
-  // Called by name or through a pointer, since the compiler may leave out what nobody looks at.
+TEST(AllocationTest, AllocationsAreCounted) {
+  // Not as a new-expression, and calloc through a pointer: the compiler may remove an unused pair.
   EXPECT_EQ(AllocationsOf([] { ::operator delete(::operator new(1)); }), 1);
   void* (*volatile const allocate)(std::size_t, std::size_t) = calloc;
   EXPECT_EQ(AllocationsOf([&] { free(allocate(1, 1)); }), 1);
 }
 
-TEST(AllocationTest, CpuUsageTakesNone) {
+TEST(AllocationTest, CpuUsageAllocatesNothing) {
   const int pid = OwnPid();
   float usage = -1.0F;
   EXPECT_EQ(AllocationsOf([&] { usage = GetCpuUsage(pid, 1); }), 0);
   EXPECT_GE(usage, 0.0F);
 }
 
-TEST(AllocationTest, ProcessRamTakesNone) {
+TEST(AllocationTest, ProcessUsedRamAllocatesNothing) {
   const int pid = OwnPid();
   long long used = -1;
   EXPECT_EQ(AllocationsOf([&] { used = MemoryObserver::getProcessUsedRAM(pid); }), 0);
   EXPECT_GT(used, 0);
 }
 
-TEST(AllocationTest, MachineRamTakesNone) {
+TEST(AllocationTest, MachineRamAllocatesNothing) {
   const MemoryObserver observer;
   long long sum = 0;
   EXPECT_EQ(AllocationsOf([&] {
@@ -112,16 +113,16 @@ TEST(AllocationTest, MachineRamTakesNone) {
   EXPECT_GT(sum, 0);
 }
 
-TEST(AllocationTest, TheForecastTakesNone) {
+TEST(AllocationTest, WillFailToAllocateAllocatesNothing) {
   const MemoryObserver observer;
   bool fails = false;
   EXPECT_EQ(AllocationsOf([&] { fails = observer.willFailToAllocate(-1); }), 0);
   EXPECT_TRUE(fails);
 }
 
-// Over the library's own code: the simulated runtime keeps a record of every call, so its
-// allocations are taken off.
-TEST(AllocationTest, VramTakesNoneBeyondTheRuntimesOwn) {
+// The simulated runtime records every call, so its own allocations are counted first and
+// subtracted.
+TEST(AllocationTest, VramAllocatesNoMoreThanTheRuntime) {
   simulator::Machine machine;
   machine.devices.resize(8);
   simulator::Install(machine);

@@ -24,7 +24,7 @@ class CpuUsageTest : public testing::Test {
  protected:
   CpuUsageTest() { Platform() = {}; }
 
-  // Everything that a failing call shows: its result, one line, one flush, no handle left open.
+  // A failing call returns -1, writes one line, flushes once and closes its handle.
   void ExpectFailure(int pid, int split_ms, const std::string& message) {
     EXPECT_EQ(GetCpuUsage(pid, split_ms), -1.0F);
     EXPECT_EQ(cerr_.writes(), std::vector<std::string>{message + "\n"});
@@ -42,7 +42,7 @@ class CpuUsageTest : public testing::Test {
   CerrRecorder cerr_;
 };
 
-TEST_F(CpuUsageTest, OneSpinningThreadOnEightProcessorsIs12Point5Percent) {
+TEST_F(CpuUsageTest, OneBusyThreadOnEightProcessorsIs12Point5Percent) {
   Platform().times = {{3 * kSecond, 4 * kSecond}, {3 * kSecond, 4 * kSecond + 500 * kMillisecond}};
   EXPECT_EQ(ExpectSilent(1234, 500), 12.5F);
 }
@@ -59,7 +59,7 @@ TEST_F(CpuUsageTest, KernelAndUserTimeBothCount) {
   EXPECT_EQ(ExpectSilent(1234, 1000), 40.0F);
 }
 
-TEST_F(CpuUsageTest, AnIdleProcessIsZeroPercent) {
+TEST_F(CpuUsageTest, IdleProcessIsZeroPercent) {
   Platform().times = {{7 * kSecond, 9 * kSecond}};
   EXPECT_EQ(ExpectSilent(1234, 500), 0.0F);
 }
@@ -70,31 +70,31 @@ TEST_F(CpuUsageTest, MoreThan100PercentIsNotClamped) {
   EXPECT_EQ(ExpectSilent(1234, 1000), 300.0F);
 }
 
-TEST_F(CpuUsageTest, TimesThatWrapComeOutRight) {
+TEST_F(CpuUsageTest, WrappingTimesAreSubtractedCorrectly) {
   const std::uint64_t last = std::numeric_limits<std::uint64_t>::max();
   Platform().logical_processors = 1;
   Platform().times = {{last, last - kSecond + 1}, {last, 0}};
   EXPECT_EQ(ExpectSilent(1234, 1000), 100.0F);
 }
 
-// Read as unsigned, like every count of process time: never a negative percentage.
-TEST_F(CpuUsageTest, TimesThatGoBackAreAHugeAmount) {
+// The difference is unsigned, so the percentage is never negative.
+TEST_F(CpuUsageTest, TimesThatGoBackAreHugeAndPositive) {
   Platform().logical_processors = 1;
   Platform().times = {{0, 1}, {0, 0}};
   EXPECT_EQ(ExpectSilent(1234, 1000),
             static_cast<float>(18446744073709551615.0 / 1e7 / (1.0 * 1.0) * 100.0));
 }
 
-TEST_F(CpuUsageTest, TheWallClockRunsFromTheFirstSampleToTheSecond) {
+TEST_F(CpuUsageTest, WallClockRunsFromFirstToSecondSample) {
   Platform().logical_processors = 1;
   Platform().clock_step = 250'000'000;  // four readings: start, before and after the sleep, end
   Platform().times = {{0, 0}, {0, kSecond}};
-  // The start is read at 1.0 s; the deadline is 1.25 s + 1 s; it is met there and read again, so
-  // the end is read at 2.5 s.
+  // The clock is read at 1.0 s (start) and at 1.25 s (deadline 2.25 s). It is read again after the
+  // sleep, at 2.25 s, and at 2.5 s (end).
   EXPECT_EQ(ExpectSilent(1234, 1000), static_cast<float>(1.0 / 1.5 * 100.0));
 }
 
-TEST_F(CpuUsageTest, AsksInItsFixedOrder) {
+TEST_F(CpuUsageTest, CallsAreMadeInFixedOrder) {
   ExpectSilent(1234, 500);
   EXPECT_EQ(Platform().calls,
             (std::vector<std::string>{"Process::Open(1234, times)", "Process::Times()",
@@ -103,7 +103,7 @@ TEST_F(CpuUsageTest, AsksInItsFixedOrder) {
                                       "LogicalProcessorCount()", "Process::Close()"}));
 }
 
-TEST_F(CpuUsageTest, SleepsAgainAfterEveryEarlyWakeUp) {
+TEST_F(CpuUsageTest, EarlyWakeUpSleepsAgain) {
   Platform().early_wake_ups = {1'000'000'001, 1'499'999'999};
   Platform().times = {{0, 0}, {0, 4 * kSecond}};
   EXPECT_EQ(ExpectSilent(1234, 500), 100.0F);
@@ -111,12 +111,12 @@ TEST_F(CpuUsageTest, SleepsAgainAfterEveryEarlyWakeUp) {
             3);
 }
 
-TEST_F(CpuUsageTest, AnIntervalOfZeroOrLessDoesNotSleepAndIsStillMeasured) {
+TEST_F(CpuUsageTest, IntervalOfZeroOrLessIsMeasuredWithoutSleep) {
   for (const int split_ms : {0, -1, std::numeric_limits<int>::min()}) {
     Platform() = {};
     Platform().clock_step = 1000;  // so that a little time passes between two readings
     Platform().times = {{0, 0}, {0, 80}};
-    // Readings: start, the one look before a sleep that is not needed, end: 2000 ns.
+    // Three readings, at the start, for the deadline and at the end: 2000 ns.
     EXPECT_EQ(ExpectSilent(1234, split_ms), 50.0F) << split_ms;
     for (const auto& call : Platform().calls) {
       EXPECT_EQ(call.find("SleepUntil"), std::string::npos) << call;
@@ -124,53 +124,53 @@ TEST_F(CpuUsageTest, AnIntervalOfZeroOrLessDoesNotSleepAndIsStillMeasured) {
   }
 }
 
-TEST_F(CpuUsageTest, ADeadlineBeyondTheClocksRangeIsItsLastMoment) {
+TEST_F(CpuUsageTest, DeadlineBeyondTheClockIsItsMaximum) {
   const std::int64_t last = std::numeric_limits<std::int64_t>::max();
   Platform().now = last - 1'000'000;
   ExpectSilent(1234, std::numeric_limits<int>::max());
   EXPECT_EQ(Platform().calls[4], "SleepUntil(" + std::to_string(last) + ")");
 }
 
-TEST_F(CpuUsageTest, TheLongestIntervalIsTakenInFull) {
+TEST_F(CpuUsageTest, LongestIntervalIsNotCut) {
   ExpectSilent(1234, std::numeric_limits<int>::max());
   EXPECT_EQ(Platform().calls[4], "SleepUntil(2147484647000000)");
 }
 
-TEST_F(CpuUsageTest, PidZeroIsRefusedBeforeAnythingElse) {
+TEST_F(CpuUsageTest, PidZeroIsRefusedFirst) {
   ExpectFailure(0, 500, "Failed to get CPU usage for PID '0' since PID must be positive!");
   EXPECT_TRUE(Platform().calls.empty());
 }
 
-TEST_F(CpuUsageTest, ANegativePidIsRefusedBeforeAnythingElse) {
+TEST_F(CpuUsageTest, NegativePidIsRefusedFirst) {
   ExpectFailure(-5, 500, "Failed to get CPU usage for PID '-5' since PID must be positive!");
   EXPECT_TRUE(Platform().calls.empty());
 }
 
-TEST_F(CpuUsageTest, TheLeastPidIsWrittenWhole) {
+TEST_F(CpuUsageTest, SmallestPidIsWrittenWhole) {
   ExpectFailure(std::numeric_limits<int>::min(), 500,
                 "Failed to get CPU usage for PID '-2147483648' since PID must be positive!");
 }
 
-TEST_F(CpuUsageTest, AProcessThatCannotBeOpenedIsReportedWithoutSleep) {
+TEST_F(CpuUsageTest, FailedOpenIsReportedWithoutSleep) {
   Platform().Fail("Process::Open");
   ExpectFailure(4711, 500, "Failed to open process with PID 4711");
   EXPECT_EQ(Platform().calls, std::vector<std::string>{"Process::Open(4711, times)"});
 }
 
-TEST_F(CpuUsageTest, AFailingFirstSampleIsReportedWithoutSleep) {
+TEST_F(CpuUsageTest, FailedFirstSampleIsReportedWithoutSleep) {
   Platform().Fail("Process::Times");
   ExpectFailure(4711, 500, "Failed to get process times for PID 4711");
   EXPECT_EQ(Platform().calls, (std::vector<std::string>{"Process::Open(4711, times)",
                                                         "Process::Times()", "Process::Close()"}));
 }
 
-TEST_F(CpuUsageTest, AProcessThatDiesBetweenTheSamplesIsReported) {
+TEST_F(CpuUsageTest, FailedSecondSampleIsReported) {
   Platform().Fail("Process::Times", 2);
   ExpectFailure(4711, 500, "Failed to get new process times for PID 4711");
   EXPECT_EQ(Platform().calls.back(), "Process::Close()");
 }
 
-TEST_F(CpuUsageTest, NoElapsedTimeIsReported) {
+TEST_F(CpuUsageTest, ZeroElapsedTimeIsReported) {
   ExpectFailure(4711, 0,
                 "Total time elapsed while trying to calculation process '4711's CPU usage is 0! ");
   EXPECT_EQ(Platform().calls, (std::vector<std::string>{
@@ -179,7 +179,7 @@ TEST_F(CpuUsageTest, NoElapsedTimeIsReported) {
                                   "LogicalProcessorCount()", "Process::Close()"}));
 }
 
-TEST_F(CpuUsageTest, AClockThatWentBackIsReported) {
+TEST_F(CpuUsageTest, ClockThatGoesBackIsReported) {
   Platform().clock_step = -1;
   ExpectFailure(4711, 0,
                 "Total time elapsed while trying to calculation process '4711's CPU usage is 0! ");

@@ -84,7 +84,7 @@ TEST(DiagnosticLineTest, UnitBufferedStreamIsFlushedAfterEveryWrite) {
   EXPECT_EQ(cerr.flushes(), 1);
 }
 
-// std::cerr is tied to std::cout, so that output through the stream would flush the latter.
+// Output through std::cerr would flush std::cout, which is tied to it.
 TEST(DiagnosticLineTest, TiedStreamIsNotFlushed) {
   struct FlushCounter : std::stringbuf {
     int sync() override {

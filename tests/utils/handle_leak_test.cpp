@@ -1,4 +1,4 @@
-// The meters over the native layer: whatever happens, no call leaves a system object open.
+// The meters over the native layer: neither success nor failure leaves a handle open.
 
 #include <gtest/gtest.h>
 
@@ -35,7 +35,7 @@ void CallEveryMeter() {
 TEST(HandleLeakTest, NoMeterLeavesAHandleOpen) {
   const CerrRecorder cerr;
   simulator::Install({});
-  CallEveryMeter();  // the start-up of the runtimes below is not counted
+  CallEveryMeter();  // opens what the runtimes keep open
   const int before = OpenHandleCount();
   for (int call = 0; call < kCalls; ++call) {
     CallEveryMeter();

@@ -29,7 +29,7 @@ class MemoryObserverTest : public testing::Test {
     Platform().memory = {16 * kGiB, 6 * kGiB, 2 * kGiB};
   }
 
-  // Asks on a machine with this much available, and this much to commit beyond it.
+  // Forecasts on a machine with these figures.
   bool WillFail(std::uint64_t available, std::uint64_t committable, std::uint64_t bytes) {
     Platform().memory = {kHuge, available, committable};
     return observer_.willFailToAllocate(static_cast<long long>(bytes));
@@ -39,7 +39,7 @@ class MemoryObserverTest : public testing::Test {
   CerrRecorder cerr_;
 };
 
-TEST_F(MemoryObserverTest, IsAnEmptyValueWithoutState) {
+TEST_F(MemoryObserverTest, ObserverIsAnEmptyValue) {
   static_assert(std::is_empty_v<MemoryObserver>);
   static_assert(!std::is_polymorphic_v<MemoryObserver>);
   static_assert(std::is_nothrow_default_constructible_v<MemoryObserver>);
@@ -50,12 +50,12 @@ TEST_F(MemoryObserverTest, IsAnEmptyValueWithoutState) {
   EXPECT_EQ(&(other = MemoryObserver{}), &other);
 }
 
-TEST_F(MemoryObserverTest, TheErrorCodeIsMinusOne) {
+TEST_F(MemoryObserverTest, ErrorCodeIsMinusOne) {
   static_assert(std::is_same_v<decltype(MemoryObserver::kRamMeterErrorCode), const int>);
   EXPECT_EQ(MemoryObserver::kRamMeterErrorCode, -1);
 }
 
-TEST_F(MemoryObserverTest, RamFiguresComeOutUnchanged) {
+TEST_F(MemoryObserverTest, RamFiguresAreReturnedUnchanged) {
   EXPECT_EQ(MemoryObserver::getMachinePhysicalRAM(), 16LL << 30);
   EXPECT_EQ(observer_.getAvailableRAM(), 6LL << 30);
   EXPECT_EQ(observer_.getUsedRAM(), 10LL << 30);
@@ -70,8 +70,8 @@ TEST_F(MemoryObserverTest, EveryRamMeterMakesOneQuery) {
                                       "QueryMemoryStatus()"}));
 }
 
-// The host is promised no figure then, but never garbage and never a message.
-TEST_F(MemoryObserverTest, RamMetersReadZeroWhenTheSystemDoesNotAnswer) {
+// No figure is promised then; it is never garbage.
+TEST_F(MemoryObserverTest, FailedQueryReadsAsZeroRamWithoutMessage) {
   Platform().Fail("QueryMemoryStatus");
   Platform().Fail("QueryTotalPhysicalMemory");
   EXPECT_EQ(MemoryObserver::getMachinePhysicalRAM(), 0);
@@ -89,7 +89,7 @@ TEST_F(MemoryObserverTest, ProcessRamIsTheResidentSet) {
   EXPECT_EQ(cerr_.text(), "");
 }
 
-TEST_F(MemoryObserverTest, ProcessRamOfPidZeroIsRefusedBeforeAnythingElse) {
+TEST_F(MemoryObserverTest, ProcessRamRefusesPidZeroFirst) {
   EXPECT_EQ(MemoryObserver::getProcessUsedRAM(0), -1);
   EXPECT_EQ(
       cerr_.writes(),
@@ -98,7 +98,7 @@ TEST_F(MemoryObserverTest, ProcessRamOfPidZeroIsRefusedBeforeAnythingElse) {
   EXPECT_TRUE(Platform().calls.empty());
 }
 
-TEST_F(MemoryObserverTest, ProcessRamOfANegativePidIsRefusedBeforeAnythingElse) {
+TEST_F(MemoryObserverTest, ProcessRamRefusesNegativePidFirst) {
   EXPECT_EQ(MemoryObserver::getProcessUsedRAM(-5), -1);
   EXPECT_EQ(cerr_.writes(),
             std::vector<std::string>{
@@ -107,14 +107,14 @@ TEST_F(MemoryObserverTest, ProcessRamOfANegativePidIsRefusedBeforeAnythingElse) 
   EXPECT_TRUE(Platform().calls.empty());
 }
 
-TEST_F(MemoryObserverTest, ProcessRamOfAProcessThatCannotBeOpenedIsReported) {
+TEST_F(MemoryObserverTest, ProcessRamReportsFailedOpen) {
   Platform().Fail("Process::Open");
   EXPECT_EQ(MemoryObserver::getProcessUsedRAM(4711), -1);
   EXPECT_EQ(cerr_.writes(), std::vector<std::string>{"Failed to open process with PID 4711\n"});
   EXPECT_EQ(cerr_.flushes(), 1);
 }
 
-TEST_F(MemoryObserverTest, ProcessRamThatCannotBeReadFailsSilentlyAndClosesTheHandle) {
+TEST_F(MemoryObserverTest, ProcessRamFailsWithoutMessageIfUnreadable) {
   Platform().Fail("Process::ResidentBytes");
   EXPECT_EQ(MemoryObserver::getProcessUsedRAM(4711), -1);
   EXPECT_EQ(cerr_.text(), "");
@@ -122,7 +122,7 @@ TEST_F(MemoryObserverTest, ProcessRamThatCannotBeReadFailsSilentlyAndClosesTheHa
   EXPECT_EQ(Platform().calls.back(), "Process::Close()");
 }
 
-TEST_F(MemoryObserverTest, VramIsTheSumOfAllDevicesAndFreeVramThatOfTheFirst) {
+TEST_F(MemoryObserverTest, TwoDevicesSumUpToTotalVramAndTheFirstIsFreeVram) {
   simulator::Machine machine;
   machine.devices = {{"a", "gfx1", 0, 8 * kGiB, 7 * kGiB, 8 * kGiB},
                      {"b", "gfx2", 0, 16 * kGiB, 15 * kGiB, 16 * kGiB}};
@@ -132,35 +132,35 @@ TEST_F(MemoryObserverTest, VramIsTheSumOfAllDevicesAndFreeVramThatOfTheFirst) {
   EXPECT_EQ(cerr_.text(), "");
 }
 
-TEST_F(MemoryObserverTest, NothingNeverFailsToAllocate) { EXPECT_FALSE(WillFail(0, 0, 0)); }
+TEST_F(MemoryObserverTest, ZeroBytesNeverFail) { EXPECT_FALSE(WillFail(0, 0, 0)); }
 
-TEST_F(MemoryObserverTest, TheForecastTurnsOneByteAfterAvailablePlusCommittable) {
+TEST_F(MemoryObserverTest, ForecastFailsFromOneByteBeyondAvailablePlusCommittable) {
   EXPECT_FALSE(WillFail(6 * kGiB, 2 * kGiB, 6 * kGiB));
   EXPECT_FALSE(WillFail(6 * kGiB, 2 * kGiB, 6 * kGiB + 1));
   EXPECT_FALSE(WillFail(6 * kGiB, 2 * kGiB, 8 * kGiB));
   EXPECT_TRUE(WillFail(6 * kGiB, 2 * kGiB, 8 * kGiB + 1));
 }
 
-TEST_F(MemoryObserverTest, ANegativeSizeIsAHugeOne) { EXPECT_TRUE(WillFail(6, 2, kHuge)); }
+TEST_F(MemoryObserverTest, NegativeSizeCountsAsHuge) { EXPECT_TRUE(WillFail(6, 2, kHuge)); }
 
-// Added up, the two figures would wrap to a small number and cry wolf.
-TEST_F(MemoryObserverTest, FiguresWhoseSumWrapsDoNotMakeTheForecastFail) {
+// The sum of the two figures wraps to a small number.
+TEST_F(MemoryObserverTest, FiguresWhoseSumWrapsDoNotFail) {
   EXPECT_FALSE(WillFail(kHuge - 1, kHuge, kHuge));
   EXPECT_FALSE(WillFail(kHuge, kHuge, 1));
 }
 
-TEST_F(MemoryObserverTest, WithoutCommittableMemoryTheForecastTurnsAfterTheAvailable) {
+TEST_F(MemoryObserverTest, ForecastWithoutCommittableFailsFromOneByteBeyondAvailable) {
   EXPECT_FALSE(WillFail(kGiB, 0, kGiB));
   EXPECT_TRUE(WillFail(kGiB, 0, kGiB + 1));
 }
 
-TEST_F(MemoryObserverTest, TheForecastMakesOneQuery) {
+TEST_F(MemoryObserverTest, ForecastMakesOneQuery) {
   WillFail(1, 1, 1);
   EXPECT_EQ(Platform().calls, std::vector<std::string>{"QueryMemoryStatus()"});
   EXPECT_EQ(cerr_.text(), "");
 }
 
-TEST_F(MemoryObserverTest, AFailedQueryPredictsSuccessWithAMessage) {
+TEST_F(MemoryObserverTest, FailedQueryForecastsSuccessWithMessage) {
   Platform().Fail("QueryMemoryStatus");
   EXPECT_FALSE(observer_.willFailToAllocate(-1));
   EXPECT_EQ(cerr_.writes(), std::vector<std::string>{"Failed to get global memory status.\n"});

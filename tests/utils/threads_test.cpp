@@ -1,5 +1,5 @@
-// Everything at once from several threads, over the native layer. What it asserts is little; the
-// thread sanitizer's build sees the rest.
+// All calls from several threads at once, over the native layer. The build with the thread
+// sanitizer finds the data races.
 
 #include <gtest/gtest.h>
 
@@ -40,7 +40,7 @@ void CallEverything(int pid) {
   }
 }
 
-TEST(ThreadsTest, CallsOnSeveralThreadsDoNotDisturbEachOther) {
+TEST(ThreadsTest, ConcurrentCallsReturnTheirOwnFigures) {
   simulator::Machine machine;
   machine.devices = {{"a", "gfx", 0, 1, 1, 1}, {"b", "gfx", 0, 2, 2, 2}, {"c", "gfx", 0, 3, 3, 3}};
   simulator::Install(machine);

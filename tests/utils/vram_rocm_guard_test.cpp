@@ -99,7 +99,7 @@ TEST_F(VramRocmGuardTest, FailedCallReadsAsNoFreeMemoryThoughTheFigureWasWritten
   EXPECT_EQ(cerr_.text(), "");
 }
 
-// Of the count only the figure is examined.
+// The status of hipGetDeviceCount is ignored here, by contract.
 TEST_F(VramRocmGuardTest, FailedCountThatWroteTheFigureIsUsedForFreeMemory) {
   Hip().statuses["hipGetDeviceCount"] = hipErrorNotInitialized;
   EXPECT_EQ(getAvailableVRAM_ROCm(false), 30);

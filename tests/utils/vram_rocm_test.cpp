@@ -46,7 +46,7 @@ TEST_F(VramRocmTest, TotalOfAllDevicesIsTheSumOfTheirProperties) {
   EXPECT_EQ(cerr_.text(), "");
 }
 
-TEST_F(VramRocmTest, TotalOfOneDeviceIsThatOfTheFirstThatAnswers) {
+TEST_F(VramRocmTest, TotalOfOneDeviceIsThatOfTheFirstReadable) {
   Machine machine = MachineWith(4);
   machine.faults = {{"hipGetDeviceProperties", 0, {}, hipErrorInvalidDevice},
                     {"hipGetDeviceProperties", 1, {}, hipErrorOutOfMemory}};
@@ -58,7 +58,7 @@ TEST_F(VramRocmTest, TotalOfOneDeviceIsThatOfTheFirstThatAnswers) {
   EXPECT_EQ(RecordedCalls().back(), "hipGetDeviceProperties(2)");
 }
 
-TEST_F(VramRocmTest, TotalOfOneDeviceIsZeroWhenNoneAnswers) {
+TEST_F(VramRocmTest, TotalOfOneDeviceIsZeroIfNoneIsReadable) {
   Machine machine = MachineWith(2);
   machine.faults = {{"hipGetDeviceProperties", {}, {}, hipErrorUnknown}};
   Install(machine);
@@ -66,7 +66,7 @@ TEST_F(VramRocmTest, TotalOfOneDeviceIsZeroWhenNoneAnswers) {
   EXPECT_EQ(cerr_.flushes(), 2);
 }
 
-TEST_F(VramRocmTest, AFailingCountIsReportedInTheRuntimesOwnWords) {
+TEST_F(VramRocmTest, FailedCountIsReportedWithTheErrorTextOfTheRuntime) {
   Install({});
   EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true, kStandardError), 0);
   EXPECT_EQ(cerr_.writes(), Calls{"hipGetDeviceCount failed: hipErrorNoDevice\n"});
@@ -74,7 +74,7 @@ TEST_F(VramRocmTest, AFailingCountIsReportedInTheRuntimesOwnWords) {
   EXPECT_EQ(RecordedCalls(), (Calls{"hipGetDeviceCount()", "hipGetErrorString(100)"}));
 }
 
-TEST_F(VramRocmTest, ZeroDevicesAreReportedOnceWithoutAFlush) {
+TEST_F(VramRocmTest, ZeroDevicesAreReportedOnceWithoutFlush) {
   Machine machine;
   machine.claimed_device_count = 0;
   Install(machine);
@@ -83,7 +83,7 @@ TEST_F(VramRocmTest, ZeroDevicesAreReportedOnceWithoutAFlush) {
   EXPECT_EQ(cerr_.flushes(), 0);
 }
 
-TEST_F(VramRocmTest, ANegativeCountIsZeroWithoutAMessage) {
+TEST_F(VramRocmTest, NegativeCountIsZeroWithoutMessage) {
   Machine machine = MachineWith(1);
   machine.claimed_device_count = -3;
   Install(machine);
@@ -92,8 +92,8 @@ TEST_F(VramRocmTest, ANegativeCountIsZeroWithoutAMessage) {
   EXPECT_EQ(cerr_.text(), "");
 }
 
-// Every single device among 1 to 16.
-TEST_F(VramRocmTest, EachFailingDeviceIsReportedAndAddsNothing) {
+// Each device of machines with 1 to 16 devices.
+TEST_F(VramRocmTest, AnyUnreadableDeviceIsReportedAndAddsNothing) {
   for (int count = 1; count <= 16; ++count) {
     for (int bad = 0; bad < count; ++bad) {
       const CerrRecorder cerr;
@@ -127,7 +127,7 @@ TEST_F(VramRocmTest, CallerSinkGetsEveryMessageInsteadOfStandardError) {
   EXPECT_EQ(cerr_.text(), "");
 }
 
-TEST_F(VramRocmTest, TheMiddleOfThreeFailing) {
+TEST_F(VramRocmTest, UnreadableMiddleDeviceLeavesTheSumOfTheOthers) {
   Machine machine = MachineWith(3);
   machine.faults = {{"hipGetDeviceProperties", 1, {}, hipErrorInvalidDevice}};
   Install(machine);
@@ -137,7 +137,7 @@ TEST_F(VramRocmTest, TheMiddleOfThreeFailing) {
   EXPECT_EQ(cerr_.flushes(), 1);
 }
 
-TEST_F(VramRocmTest, AllDevicesFailingIsZero) {
+TEST_F(VramRocmTest, AllDevicesUnreadableIsZero) {
   Machine machine = MachineWith(3);
   machine.faults = {{"hipGetDeviceProperties", {}, {}, hipErrorUnknown}};
   Install(machine);
@@ -145,7 +145,7 @@ TEST_F(VramRocmTest, AllDevicesFailingIsZero) {
   EXPECT_EQ(cerr_.writes().size(), 3U);
 }
 
-TEST_F(VramRocmTest, SumsOfNonsenseWrap) {
+TEST_F(VramRocmTest, SumBeyond64BitsWraps) {
   Machine machine = MachineWith(2);
   machine.devices[0].properties_memory = std::numeric_limits<std::uint64_t>::max();
   machine.devices[1].properties_memory = 8;
@@ -171,7 +171,7 @@ TEST_F(VramRocmTest, FreeOfAllDevicesIsTheSum) {
   EXPECT_EQ(CurrentDevice(), 2);
 }
 
-TEST_F(VramRocmTest, ADeviceWhoseMemoryQueryFailsAddsNothing) {
+TEST_F(VramRocmTest, AnyDeviceWithFailedMemoryQueryAddsNothing) {
   for (int count = 1; count <= 16; ++count) {
     for (int bad = 0; bad < count; ++bad) {
       Machine machine = MachineWith(count);
@@ -184,7 +184,7 @@ TEST_F(VramRocmTest, ADeviceWhoseMemoryQueryFailsAddsNothing) {
   EXPECT_EQ(cerr_.text(), "");
 }
 
-TEST_F(VramRocmTest, FreeOfADeviceZeroThatFailsIsZeroAndSilent) {
+TEST_F(VramRocmTest, FailedQueryOfDeviceZeroIsZeroWithoutMessage) {
   Machine machine = MachineWith(2);
   machine.faults = {{"hipMemGetInfo", 0, {}, hipErrorUnknown}};
   Install(machine);
@@ -211,7 +211,7 @@ TEST_F(VramRocmTest, FigureOfTheCurrentDeviceIsNotTakenForThatOfDeviceZero) {
   EXPECT_EQ(cerr_.text(), "");
 }
 
-TEST_F(VramRocmTest, FreeWithoutDevicesIsZeroAndSilent) {
+TEST_F(VramRocmTest, FreeWithoutDevicesIsZeroWithoutMessage) {
   for (const int count : {0, -1}) {
     Machine machine = MachineWith(1);
     machine.claimed_device_count = count;
