@@ -68,7 +68,7 @@ enum {
   KESTREL_PROCESSOR_UNSUPPORTED = 4,
   /// The operating system reports a processor architecture that the CPU survey does not know.
   KESTREL_ARCHITECTURE_UNSUPPORTED = 5,
-  /// The machine has no GPU runtime, or that runtime finds no device.
+  /// The machine has no GPU runtime, or that runtime finds no device or cannot count them.
   KESTREL_NO_DEVICES = 6,
   /// The GPU runtime failed to answer a query about a device.
   KESTREL_DEVICE_QUERY_FAILED = 7,
@@ -212,9 +212,9 @@ kestrel_status kestrel_survey_gpus(kestrel_gpu* gpus, size_t capacity, size_t* c
 /// The free and the total memory of one device in bytes, as the HIP runtime counts allocations.
 ///
 /// Fails with `KESTREL_NO_DEVICES` if the runtime has none, with `KESTREL_INVALID_ARGUMENT` if
-/// `device` is not below the number of devices, and with `KESTREL_DEVICE_QUERY_FAILED`,
-/// `KESTREL_OUT_OF_MEMORY` or `KESTREL_RUNTIME_FAILED`: both figures are then 0. Either pointer may
-/// be null, not both. Writes nothing to standard error.
+/// `device` is not below the number of devices, and with `KESTREL_DEVICE_QUERY_FAILED` where the
+/// message names the step: both figures are then 0. Either pointer may be null, not both. Writes
+/// nothing to standard error.
 ///
 /// Makes `device` the calling thread's current HIP device.
 kestrel_status kestrel_gpu_memory(int32_t device, uint64_t* free_bytes, uint64_t* total_bytes,
