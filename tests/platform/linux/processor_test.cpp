@@ -2,6 +2,7 @@
 #include <sched.h>
 #include <sys/mount.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <optional>
 #include <stdexcept>
@@ -14,9 +15,15 @@ namespace {
 
 using platform::LogicalProcessorCount;
 
+// Hides what is mounted at the folder. In a chroot, "/sys" may be an empty folder.
 void Cover(const char* folder) {
-  if (mount(nullptr, folder, nullptr, MS_PRIVATE, nullptr) != 0 ||
-      mount("none", folder, "tmpfs", 0, nullptr) != 0) {
+  if (mount(nullptr, folder, nullptr, MS_PRIVATE, nullptr) != 0) {
+    if (errno == EINVAL) {
+      return;  // not a mount point
+    }
+    throw std::runtime_error("mount private");
+  }
+  if (mount("none", folder, "tmpfs", 0, nullptr) != 0) {
     throw std::runtime_error("mount");
   }
 }
