@@ -1,5 +1,5 @@
-# Installs the simulated HIP runtime as the component `simulator`, with its machines, into a folder
-# that no loader and no linker searches by itself.
+# Installs the simulated HIP runtimes as the component `simulator`, with their machines: one folder for
+# each generation of HIP, which no loader and no linker searches by itself.
 
 include(CMakePackageConfigHelpers)
 
@@ -10,9 +10,21 @@ install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" "${PROJECT_SOURCE_DIR}/THIRD_PARTY
 
 set(simulator_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kestrelcore")
 
-# PROGRAMS, not TARGETS: only the file that a loader opens is installed, no import library.
-install(PROGRAMS "$<TARGET_FILE:kestrel_simulator>" DESTINATION "${simulator_dir}"
-        COMPONENT simulator)
+set(simulator_generations 5 6 7)
+set(simulator_files "")
+foreach(generation IN LISTS simulator_generations)
+  set(target kestrel_simulator_${generation})
+  # PROGRAMS, not TARGETS: only the file that a loader opens is installed, no import library.
+  install(PROGRAMS "$<TARGET_FILE:${target}>" DESTINATION "${simulator_dir}/${generation}"
+          COMPONENT simulator)
+  if(WIN32)
+    get_target_property(name ${target} OUTPUT_NAME)
+    list(APPEND simulator_files "${name}.dll")
+  else()
+    list(APPEND simulator_files "libamdhip64.so.${generation}")
+  endif()
+endforeach()
+get_target_property(simulator_default kestrel_simulator KESTREL_SIMULATED_GENERATION)
 install(
   DIRECTORY "${PROJECT_SOURCE_DIR}/simulator/machines/"
   DESTINATION "${simulator_machines_dir}"
@@ -20,13 +32,6 @@ install(
   FILES_MATCHING
   PATTERN "*.toml")
 
-if(WIN32)
-  get_target_property(simulator_name kestrel_simulator OUTPUT_NAME)
-  set(simulator_file "${simulator_name}.dll")
-else()
-  get_target_property(simulator_version kestrel_simulator SOVERSION)
-  set(simulator_file "libamdhip64.so.${simulator_version}")
-endif()
 configure_package_config_file(
   "${PROJECT_SOURCE_DIR}/cmake/kestrelcore-simulator.cmake.in"
   "${PROJECT_BINARY_DIR}/kestrelcore-simulator.cmake"

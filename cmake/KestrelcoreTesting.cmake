@@ -1,6 +1,7 @@
 # GoogleTest, and the functions that add tests.
 
 include(GoogleTest)
+include(HIPFunctions)
 
 # Debian's sources of GoogleTest come first: built with this build's compiler and flags, they suit
 # cross builds and sanitizers. Elsewhere an installed package is used, or a download.
@@ -86,12 +87,14 @@ else()
   set(kestrelcore_simulated_runtime "$<TARGET_FILE_DIR:kestrel_simulator>")
   set(kestrelcore_harness "$<TARGET_FILE:kestrel-harness>")
   cmake_path(GET HIP_LIBRARY PARENT_PATH kestrelcore_real_runtime)
+  kestrelcore_hip_version(kestrelcore_real_version "${HIP_INCLUDE_DIR}")
 endif()
 
-# One test: all that a program writes is what EXPECTED holds. RUNTIME is the folder of the HIP
-# runtime, the simulated one unless told otherwise; MACHINE what that simulates.
+# Adds a test that compares all output of a program with the file EXPECTED. RUNTIME is the folder of
+# the HIP runtime and HIP_VERSION its version, by default those of the simulated runtime; MACHINE is the
+# machine that it simulates.
 function(kestrelcore_add_output_test name)
-  cmake_parse_arguments(arg "" "PROGRAM;MACHINE;EXPECTED;RUNTIME" "ARGUMENTS" ${ARGN})
+  cmake_parse_arguments(arg "" "PROGRAM;MACHINE;EXPECTED;RUNTIME;HIP_VERSION" "ARGUMENTS" ${ARGN})
   if(WIN32)
     set(program "${kestrelcore_run_folder}/$<TARGET_FILE_NAME:${arg_PROGRAM}>")
   else()
@@ -100,11 +103,18 @@ function(kestrelcore_add_output_test name)
   if(NOT arg_RUNTIME)
     set(arg_RUNTIME "${kestrelcore_simulated_runtime}")
   endif()
+  if(NOT arg_HIP_VERSION)
+    get_target_property(arg_HIP_VERSION kestrel_simulator KESTREL_SIMULATED_GENERATION)
+  endif()
+  set(statuses "")
+  if(arg_HIP_VERSION VERSION_GREATER_EQUAL 5.3)
+    set(statuses "${PROJECT_SOURCE_DIR}/simulator/statuses.inc")
+  endif()
   set(run ${CMAKE_CROSSCOMPILING_EMULATOR} "${program}" ${arg_ARGUMENTS})
   add_test(NAME ${name}
            COMMAND "${CMAKE_COMMAND}" "-DRUN=${run}" "-DRUNTIME=${arg_RUNTIME}"
                    "-DMACHINE=${arg_MACHINE}" "-DEXPECTED=${arg_EXPECTED}"
-                   "-DACTUAL=${CMAKE_CURRENT_BINARY_DIR}/${name}.actual" -P
+                   "-DACTUAL=${CMAKE_CURRENT_BINARY_DIR}/${name}.actual" "-DSTATUSES=${statuses}" -P
                    "${PROJECT_SOURCE_DIR}/tests/check_output.cmake")
   set_tests_properties(${name} PROPERTIES TIMEOUT 120)
 endfunction()

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "simulator/release.h"
+
 // Controls the simulated HIP runtime from within the process that links it: installs a machine and
 // returns the recorded calls. The shared library reads its machine from a file instead.
 
@@ -42,8 +44,9 @@ struct Machine {
 enum class Recording { kOn, kOff };
 
 // Replaces the machine, clears the recorded calls, and makes device 0 current on every thread. The
-// record grows with every call: a process that calls for a long time turns it off.
-void Install(Machine machine, Recording recording = Recording::kOn);
+// record grows with every call: a process that calls for a long time turns it off. `release` is the
+// release of HIP to simulate.
+void Install(Machine machine, Recording recording = Recording::kOn, int release = kHip5);
 
 // Every call since Install, in order: "hipGetDeviceCount()", "hipSetDevice(1)",
 // "hipGetDeviceProperties(1)", "hipMemGetInfo()", "hipGetErrorString(100)".

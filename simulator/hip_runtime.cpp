@@ -2,7 +2,6 @@
 // device at all, then the arguments.
 
 #include <hip/hip_runtime_api.h>
-#include <hip/hip_version.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -11,21 +10,26 @@
 #include <string>
 #include <utility>
 
+#include "simulator/device_properties.h"
+#include "simulator/release.h"
 #include "simulator/runtime.h"
-#include "simulator/status_names.h"
+#include "simulator/statuses.h"
 
 namespace {
 
 using kestrel::simulator::Call;
 using kestrel::simulator::Device;
+using kestrel::simulator::LastErrorAfter;
 using kestrel::simulator::Runtime;
 using kestrel::simulator::StatusName;
+using kestrel::simulator::StatusText;
+using kestrel::simulator::TextOfStatusIsItsName;
+using kestrel::simulator::ThreadState;
 using kestrel::simulator::WithRuntime;
 
 hipError_t Remember(Runtime& runtime, hipError_t status) {
-  if (status != hipSuccess) {
-    runtime.Thread().last_error = status;
-  }
+  ThreadState& thread = runtime.Thread();
+  thread.last_error = LastErrorAfter(status, thread.last_error, runtime.release());
   return status;
 }
 
@@ -57,18 +61,32 @@ void SetText(char (&field)[kSize], const std::string& text) {
   std::memcpy(field, text.data(), std::min(text.size(), kSize));
 }
 
-hipError_t WriteVersion(int* version) {
+hipError_t WriteVersion(const Runtime& runtime, int* version) {
   if (version == nullptr) {
     return hipErrorInvalidValue;
   }
-  *version = HIP_VERSION;
+  *version = runtime.release();
   return hipSuccess;
 }
 
-const char* TextOf(const char* operation, hipError_t status) {
-  return WithRuntime([&](Runtime& runtime) {
-    static_cast<void>(runtime.Admit({operation, std::to_string(status)}));
-    return StatusName(status);
+// Fills the fields that a machine describes; all others are 0.
+template <typename Record>
+hipError_t FillProperties(Record* record, int device_id) {
+  const Call call = CallOnDevice("hipGetDeviceProperties", device_id);
+  return AnswerWithDevices(call, [=](const Runtime& runtime) {
+    if (record == nullptr) {
+      return hipErrorInvalidValue;
+    }
+    const Device* device = runtime.DeviceAt(device_id);
+    if (device == nullptr) {
+      return hipErrorInvalidDevice;
+    }
+    *record = {};
+    SetText(record->name, device->name);
+    SetText(record->arch, device->arch);
+    record->integrated = device->integrated;
+    record->total_global_memory = device->properties_memory;
+    return hipSuccess;
   });
 }
 
@@ -81,11 +99,13 @@ hipError_t hipInit(unsigned int flags) {
 }
 
 hipError_t hipRuntimeGetVersion(int* runtimeVersion) {
-  return Answer({"hipRuntimeGetVersion"}, [=](Runtime&) { return WriteVersion(runtimeVersion); });
+  return Answer({"hipRuntimeGetVersion"},
+                [=](const Runtime& runtime) { return WriteVersion(runtime, runtimeVersion); });
 }
 
 hipError_t hipDriverGetVersion(int* driverVersion) {
-  return Answer({"hipDriverGetVersion"}, [=](Runtime&) { return WriteVersion(driverVersion); });
+  return Answer({"hipDriverGetVersion"},
+                [=](const Runtime& runtime) { return WriteVersion(runtime, driverVersion); });
 }
 
 hipError_t hipGetDeviceCount(int* count) {
@@ -114,26 +134,6 @@ hipError_t hipSetDevice(int deviceId) {
       return hipErrorInvalidDevice;
     }
     runtime.Thread().current_device = deviceId;
-    return hipSuccess;
-  });
-}
-
-// Fills the fields that a machine describes; all others are 0.
-hipError_t hipGetDeviceProperties(hipDeviceProp_t* prop, int deviceId) {
-  const Call call = CallOnDevice("hipGetDeviceProperties", deviceId);
-  return AnswerWithDevices(call, [=](const Runtime& runtime) {
-    if (prop == nullptr) {
-      return hipErrorInvalidValue;
-    }
-    const Device* device = runtime.DeviceAt(deviceId);
-    if (device == nullptr) {
-      return hipErrorInvalidDevice;
-    }
-    *prop = {};
-    SetText(prop->name, device->name);
-    SetText(prop->gcnArchName, device->arch);
-    prop->integrated = device->integrated;
-    prop->totalGlobalMem = device->properties_memory;
     return hipSuccess;
   });
 }
@@ -188,9 +188,19 @@ hipError_t hipFree(void* ptr) {
   });
 }
 
-const char* hipGetErrorName(hipError_t hip_error) { return TextOf("hipGetErrorName", hip_error); }
+const char* hipGetErrorName(hipError_t hip_error) {
+  return WithRuntime([=](Runtime& runtime) {
+    static_cast<void>(runtime.Admit({"hipGetErrorName", std::to_string(hip_error)}));
+    return StatusName(hip_error);
+  });
+}
 
-const char* hipGetErrorString(hipError_t hipError) { return TextOf("hipGetErrorString", hipError); }
+const char* hipGetErrorString(hipError_t hipError) {
+  return WithRuntime([=](Runtime& runtime) {
+    static_cast<void>(runtime.Admit({"hipGetErrorString", std::to_string(hipError)}));
+    return TextOfStatusIsItsName(runtime.release()) ? StatusName(hipError) : StatusText(hipError);
+  });
+}
 
 hipError_t hipPeekAtLastError() {
   return AnswerWithDevices({"hipPeekAtLastError"},
@@ -203,3 +213,15 @@ hipError_t hipGetLastError() {
     return status == hipSuccess ? std::exchange(runtime.Thread().last_error, hipSuccess) : status;
   });
 }
+
+namespace kestrel::simulator {
+
+int GetDeviceProperties(PropertiesR0000* record, int device) {
+  return FillProperties(record, device);
+}
+
+int GetDeviceProperties(PropertiesR0600* record, int device) {
+  return FillProperties(record, device);
+}
+
+}  // namespace kestrel::simulator

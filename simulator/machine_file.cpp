@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "simulator/operations.h"
-#include "simulator/status_names.h"
+#include "simulator/statuses.h"
 #include "simulator/toml.h"
 
 namespace kestrel::simulator {
@@ -141,8 +141,7 @@ Fault FaultFrom(const toml::table& table, std::int64_t device_count) {
   const TableReader reader(table, {"operation", "device", "call", "status"});
   Fault fault;
   fault.operation = reader.Text("operation");
-  if (std::find(kOperationsWithStatus.begin(), kOperationsWithStatus.end(), fault.operation) ==
-      kOperationsWithStatus.end()) {
+  if (!ReturnsStatus(fault.operation)) {
     Refuse(reader.Required("operation").source(),
            "there is no operation " + Quoted(fault.operation) + " that could fail");
   }

@@ -1,8 +1,9 @@
-#include <cstdio>
-#include <cstdlib>
-#include <exception>
+#include "simulator/machine_from_environment.h"
 
-#include "simulator/initial_machine.h"
+#include <cstdio>
+#include <exception>
+#include <string>
+
 #include "simulator/machine_file.h"
 #include "simulator/operations.h"
 
@@ -14,27 +15,30 @@ namespace {
 // a broken file for a broken device.
 Machine BrokenMachine() {
   Machine machine;
-  for (const std::string_view operation : kOperationsWithStatus) {
-    machine.faults.push_back(
-        {std::string(operation), std::nullopt, std::nullopt, hipErrorInvalidConfiguration});
+  for (const Operation& operation : kOperations) {
+    if (operation.kind == OperationKind::status) {
+      machine.faults.push_back(
+          {std::string(operation.name), std::nullopt, std::nullopt, hipErrorInvalidConfiguration});
+    }
   }
   return machine;
 }
 
 }  // namespace
 
-Machine InitialMachine() {
-  const char* path = std::getenv("KESTREL_SIM_MACHINE");
-  if (path == nullptr) {
+Machine MachineFrom(const Environment& environment) {
+  if (environment.machine_file.value_or("").empty()) {
     return {};
   }
   try {
-    return ReadMachineFile(path);
+    return ReadMachineFile(*environment.machine_file);
   } catch (const std::exception& error) {
     // Not through std::cerr: the host may have enabled its exceptions, and the caller may be C.
     static_cast<void>(std::fprintf(stderr, "Simulated HIP runtime: %s\n", error.what()));
     return BrokenMachine();
   }
 }
+
+Machine MachineFromEnvironment() { return MachineFrom(ReadEnvironment()); }
 
 }  // namespace kestrel::simulator

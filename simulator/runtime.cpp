@@ -4,7 +4,7 @@
 #include <limits>
 #include <utility>
 
-#include "simulator/initial_machine.h"
+#include "simulator/release.h"
 
 namespace kestrel::simulator {
 
@@ -22,12 +22,13 @@ bool Matches(const Fault& fault, const Call& call, int current_device) {
 
 }  // namespace
 
-Runtime::Runtime(Machine machine, Recording recording, std::uint64_t generation)
-    : machine_(std::move(machine)),
+Runtime::Runtime(Start start, Recording recording, std::uint64_t installation)
+    : machine_(std::move(start.machine)),
+      release_(start.release),
       matched_calls_(machine_.faults.size()),
       recording_(recording),
       next_address_(kFirstAddress),
-      generation_(generation) {}
+      installation_(installation) {}
 
 // Every matching fault counts the call; the first one in the list that strikes decides the status.
 hipError_t Runtime::Admit(const Call& call) {
@@ -51,7 +52,7 @@ hipError_t Runtime::Admit(const Call& call) {
 
 hipError_t Runtime::AdmitToDevices(const Call& call) {
   const hipError_t status = Admit(call);
-  return status == hipSuccess && !Started() ? hipErrorInvalidDevice : status;
+  return status == hipSuccess && !Started() ? StatusWithoutDevices(release_) : status;
 }
 
 int Runtime::DeviceCount() const {
@@ -97,9 +98,9 @@ hipError_t Runtime::Release(void* address) {
 
 ThreadState& Runtime::Thread() const {
   thread_local ThreadState state;
-  if (state.generation != generation_) {
+  if (state.installation != installation_) {
     state = {};
-    state.generation = generation_;
+    state.installation = installation_;
   }
   return state;
 }
@@ -111,13 +112,13 @@ std::mutex& RuntimeMutex() {
 }
 
 Runtime& TheRuntime() {
-  static Runtime& runtime = *new Runtime(InitialMachine(), Recording::kOff, 1);
+  static Runtime& runtime = *new Runtime(StartOfRuntime(), Recording::kOff, 1);
   return runtime;
 }
 
-void Install(Machine machine, Recording recording) {
+void Install(Machine machine, Recording recording, int release) {
   WithRuntime([&](Runtime& runtime) {
-    runtime = Runtime(std::move(machine), recording, runtime.generation() + 1);
+    runtime = Runtime({std::move(machine), release}, recording, runtime.installation() + 1);
   });
 }
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "simulator/control.h"
+#include "simulator/start.h"
 
 namespace kestrel::simulator {
 
@@ -22,7 +23,7 @@ struct Call {
 
 // What HIP keeps for each host thread.
 struct ThreadState {
-  std::uint64_t generation = 0;  // of the machine that the other fields belong to
+  std::uint64_t installation = 0;  // of the machine that the other fields belong to
   int current_device = 0;
   hipError_t last_error = hipSuccess;
 };
@@ -30,8 +31,8 @@ struct ThreadState {
 // A simulated machine and the state of the runtime over it. Not thread-safe: see WithRuntime.
 class Runtime {
  public:
-  // The generation numbers the machines that were installed in turn.
-  Runtime(Machine machine, Recording recording, std::uint64_t generation);
+  // `installation` numbers the machines that were installed in turn.
+  Runtime(Start start, Recording recording, std::uint64_t installation);
 
   // Records the call. Returns the status of the fault that it meets, or hipSuccess.
   hipError_t Admit(const Call& call);
@@ -56,7 +57,8 @@ class Runtime {
   [[nodiscard]] ThreadState& Thread() const;
 
   [[nodiscard]] const std::vector<std::string>& calls() const { return calls_; }
-  [[nodiscard]] std::uint64_t generation() const { return generation_; }
+  [[nodiscard]] std::uint64_t installation() const { return installation_; }
+  [[nodiscard]] int release() const { return release_; }
 
  private:
   struct Allocation {
@@ -65,12 +67,13 @@ class Runtime {
   };
 
   Machine machine_;
+  int release_;
   std::vector<int> matched_calls_;  // for each fault
   Recording recording_;
   std::vector<std::string> calls_;
   std::map<std::uintptr_t, Allocation> allocations_;
   std::uintptr_t next_address_;
-  std::uint64_t generation_;
+  std::uint64_t installation_;
 };
 
 std::mutex& RuntimeMutex();

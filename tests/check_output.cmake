@@ -8,6 +8,8 @@
 #           of the file, so that messages name the file without its folder.
 # EXPECTED  the file with the expected text
 # ACTUAL    the file that the output is written to
+# STATUSES  the list of HIP's statuses, if the runtime describes a status by a sentence instead of the
+#           name that the expected text has
 #
 # The text consists of standard output, standard error and the exit status. If there is anything on
 # standard error, both streams follow once more as one, to show their order.
@@ -19,11 +21,14 @@ if(RUNTIME)
 endif()
 set(folder "${CMAKE_CURRENT_BINARY_DIR}")
 unset(ENV{KESTREL_SIM_MACHINE})
-set(ENV{HIP_VISIBLE_DEVICES} -1) # hides real GPUs from the real runtime
+unset(ENV{ROCR_VISIBLE_DEVICES})
+unset(ENV{HIP_VISIBLE_DEVICES})
 if(MACHINE)
   cmake_path(GET MACHINE PARENT_PATH folder)
   cmake_path(GET MACHINE FILENAME file)
   set(ENV{KESTREL_SIM_MACHINE} "${file}")
+else()
+  set(ENV{HIP_VISIBLE_DEVICES} -1) # hides real GPUs from the real runtime
 endif()
 
 execute_process(
@@ -62,6 +67,14 @@ file(WRITE "${ACTUAL}" "${actual}")
 set(expected "")
 if(EXISTS "${EXPECTED}")
   file(READ "${EXPECTED}" expected)
+endif()
+if(STATUSES)
+  file(STRINGS "${STATUSES}" lines REGEX "^STATUS\\(.*\"\\)$")
+  foreach(line IN LISTS lines)
+    string(REGEX MATCH "([A-Za-z]+), \"(.*)\"\\)$" _ "${line}")
+    string(REGEX REPLACE "( failed[^:\n]*: )${CMAKE_MATCH_1}\n" "\\1${CMAKE_MATCH_2}\n" expected
+                         "${expected}")
+  endforeach()
 endif()
 if(NOT actual STREQUAL expected)
   message(FATAL_ERROR "${EXPECTED} and ${ACTUAL} differ. There was:\n${actual}")

@@ -1,16 +1,15 @@
-# Runs a program over the real runtime and over the simulated one, both without a device, and compares
+# Runs every_call over the real runtime and over the simulated one, both without a device, and compares
 # the outputs.
 #
 #   cmake -DPROGRAM=... -DREAL=... -DSIMULATED=... -P compare_runtimes.cmake
 #
-# REAL and SIMULATED are the folders of the two runtimes.
+# REAL and SIMULATED are the files of the two runtimes.
 
 cmake_minimum_required(VERSION 3.25)
 
 function(run_over runtime result)
-  set(ENV{LD_LIBRARY_PATH} "${runtime}")
   execute_process(
-    COMMAND "${PROGRAM}" every-status
+    COMMAND "${PROGRAM}" "${runtime}" every-status
     OUTPUT_VARIABLE output
     ERROR_VARIABLE output
     RESULT_VARIABLE status)
@@ -18,7 +17,8 @@ function(run_over runtime result)
 endfunction()
 
 unset(ENV{KESTREL_SIM_MACHINE})
-set(ENV{HIP_VISIBLE_DEVICES} -1)  # hides the GPUs of the host
+unset(ENV{ROCR_VISIBLE_DEVICES})
+set(ENV{HIP_VISIBLE_DEVICES} -1)  # hides the GPUs of the host from the real runtime
 # The real runtime leaks the state of a thread.
 set(ENV{ASAN_OPTIONS} "$ENV{ASAN_OPTIONS}:detect_leaks=0")
 run_over("${REAL}" real)

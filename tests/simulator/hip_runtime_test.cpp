@@ -20,6 +20,9 @@ using simulator::CurrentDevice;
 using simulator::Device;
 using simulator::Fault;
 using simulator::Install;
+using simulator::kHip5;
+using simulator::kHip6;
+using simulator::kHip7;
 using simulator::Machine;
 using simulator::RecordedCalls;
 using simulator::Recording;
@@ -109,30 +112,40 @@ TEST_F(HipRuntimeTest, NullOutputIsInvalid) {
   EXPECT_EQ(hipDriverGetVersion(nullptr), hipErrorInvalidValue);
 }
 
-TEST_F(HipRuntimeTest, VersionIsThatOfTheHeader) {
-  int version = 0;
-  EXPECT_EQ(hipRuntimeGetVersion(&version), hipSuccess);
-  EXPECT_EQ(version, HIP_VERSION);
-  version = 0;
-  EXPECT_EQ(hipDriverGetVersion(&version), hipSuccess);
-  EXPECT_EQ(version, HIP_VERSION);
+TEST_F(HipRuntimeTest, VersionIsThatOfTheRelease) {
+  for (const int release : {kHip5, kHip6, kHip7}) {
+    Install({}, Recording::kOn, release);
+    int version = 0;
+    EXPECT_EQ(hipRuntimeGetVersion(&version), hipSuccess);
+    EXPECT_EQ(version, release);
+    version = 0;
+    EXPECT_EQ(hipDriverGetVersion(&version), hipSuccess);
+    EXPECT_EQ(version, release);
+  }
 }
 
-TEST_F(HipRuntimeTest, StatusTextIsItsName) {
+TEST_F(HipRuntimeTest, TextOfStatusIsItsNameUpToHip52) {
+  Install({}, Recording::kOn, kHip5);
   EXPECT_STREQ(hipGetErrorString(hipErrorNoDevice), "hipErrorNoDevice");
-  EXPECT_STREQ(hipGetErrorName(hipErrorOutOfMemory), "hipErrorOutOfMemory");
   EXPECT_STREQ(hipGetErrorString(hipSuccess), "hipSuccess");
   EXPECT_STREQ(hipGetErrorString(static_cast<hipError_t>(800)), "hipErrorUnknown");
 }
 
-TEST_F(HipRuntimeTest, LongNameFillsTheRecordField) {
-  Install({{{std::string(300, 'n'), std::string(256, 'a'), 0, 1, 1, 1}}, {}, {}});
-  hipDeviceProp_t properties{};
-  ASSERT_EQ(hipGetDeviceProperties(&properties, 0), hipSuccess);
-  EXPECT_EQ(std::string(properties.name, sizeof properties.name), std::string(256, 'n'));
-  EXPECT_EQ(std::string(properties.gcnArchName, sizeof properties.gcnArchName),
-            std::string(256, 'a'));
-  EXPECT_EQ(properties.integrated, 0) << "the next field is not overwritten";
+TEST_F(HipRuntimeTest, TextOfStatusIsASentenceSinceHip53) {
+  for (const int release : {50'300'000, kHip6, kHip7}) {
+    Install({}, Recording::kOn, release);
+    EXPECT_STREQ(hipGetErrorString(hipErrorNoDevice), "no ROCm-capable device is detected");
+    EXPECT_STREQ(hipGetErrorString(hipSuccess), "no error");
+    EXPECT_STREQ(hipGetErrorString(static_cast<hipError_t>(800)), "unknown error");
+  }
+}
+
+TEST_F(HipRuntimeTest, NameOfStatusIsTheSameInEveryRelease) {
+  for (const int release : {kHip5, kHip6, kHip7}) {
+    Install({}, Recording::kOn, release);
+    EXPECT_STREQ(hipGetErrorName(hipErrorOutOfMemory), "hipErrorOutOfMemory");
+    EXPECT_STREQ(hipGetErrorName(static_cast<hipError_t>(800)), "hipErrorUnknown");
+  }
 }
 
 TEST_F(HipRuntimeTest, LongNameIsCutToTheCallersBuffer) {
@@ -159,26 +172,37 @@ TEST_F(HipRuntimeTest, NineDevicesKeepTheirOwnMemory) {
   EXPECT_EQ(hipSetDevice(9), hipErrorInvalidDevice);
 }
 
-TEST_F(HipRuntimeTest, WithoutDevicesEachCallFailsAsInTheRealRuntime) {
-  Install({});
+void ExpectEveryCallFailsWith(hipError_t failure) {
   int number = 7;
   EXPECT_EQ(hipGetDeviceCount(&number), hipErrorNoDevice);
   EXPECT_EQ(number, 0);
   number = 7;
-  EXPECT_EQ(hipGetDevice(&number), hipErrorInvalidDevice);
-  EXPECT_EQ(hipInit(0), hipErrorInvalidDevice);
-  EXPECT_EQ(hipSetDevice(0), hipErrorInvalidDevice);
+  EXPECT_EQ(hipGetDevice(&number), failure);
+  EXPECT_EQ(hipInit(0), failure);
+  EXPECT_EQ(hipSetDevice(0), failure);
   hipDeviceProp_t properties{};
-  EXPECT_EQ(hipGetDeviceProperties(&properties, 0), hipErrorInvalidDevice);
+  EXPECT_EQ(hipGetDeviceProperties(&properties, 0), failure);
   std::size_t free = 7;
   std::size_t total = 7;
-  EXPECT_EQ(hipMemGetInfo(&free, &total), hipErrorInvalidDevice);
-  EXPECT_EQ(hipFree(nullptr), hipErrorInvalidDevice);
-  EXPECT_EQ(hipGetLastError(), hipErrorInvalidDevice);
-  EXPECT_EQ(hipGetLastError(), hipErrorInvalidDevice) << "this call fails without a device, too";
+  EXPECT_EQ(hipMemGetInfo(&free, &total), failure);
+  EXPECT_EQ(hipFree(nullptr), failure);
+  EXPECT_EQ(hipGetLastError(), failure);
+  EXPECT_EQ(hipGetLastError(), failure) << "this call fails without a device, too";
   EXPECT_EQ(number, 7);
   EXPECT_EQ(free, 7U);
   EXPECT_EQ(total, 7U);
+}
+
+TEST_F(HipRuntimeTest, WithoutDevicesOtherCallsReportAnInvalidDeviceUpToHip52) {
+  Install({}, Recording::kOn, kHip5);
+  ExpectEveryCallFailsWith(hipErrorInvalidDevice);
+}
+
+TEST_F(HipRuntimeTest, WithoutDevicesEveryCallReportsNoDeviceSinceHip53) {
+  for (const int release : {50'300'000, kHip6, kHip7}) {
+    Install({}, Recording::kOn, release);
+    ExpectEveryCallFailsWith(hipErrorNoDevice);
+  }
 }
 
 TEST_F(HipRuntimeTest, ClaimedCountIsReported) {
@@ -296,9 +320,28 @@ TEST_F(HipRuntimeTest, LastErrorIsKeptForEachThread) {
   Install(MachineWith(1));
   EXPECT_EQ(hipPeekAtLastError(), hipSuccess);
   EXPECT_EQ(hipSetDevice(5), hipErrorInvalidDevice);
-  EXPECT_EQ(hipSetDevice(0), hipSuccess);
-  EXPECT_EQ(hipPeekAtLastError(), hipErrorInvalidDevice);
   std::thread([] { EXPECT_EQ(hipPeekAtLastError(), hipSuccess); }).join();
+  EXPECT_EQ(hipPeekAtLastError(), hipErrorInvalidDevice);
+  EXPECT_EQ(hipGetLastError(), hipErrorInvalidDevice);
+  EXPECT_EQ(hipGetLastError(), hipSuccess);
+}
+
+TEST_F(HipRuntimeTest, SuccessClearsTheLastErrorUpToHip6) {
+  for (const int release : {kHip5, kHip6}) {
+    Install(MachineWith(1), Recording::kOn, release);
+    EXPECT_EQ(hipSetDevice(5), hipErrorInvalidDevice);
+    EXPECT_EQ(hipSetDevice(0), hipSuccess);
+    EXPECT_EQ(hipGetLastError(), hipSuccess);
+  }
+}
+
+TEST_F(HipRuntimeTest, SuccessAndNotReadyKeepTheLastErrorSinceHip7) {
+  Install(WithFault(MachineWith(1), {"hipGetDevice", {}, {}, hipErrorNotReady}), Recording::kOn,
+          kHip7);
+  int device = 0;
+  EXPECT_EQ(hipSetDevice(5), hipErrorInvalidDevice);
+  EXPECT_EQ(hipSetDevice(0), hipSuccess);
+  EXPECT_EQ(hipGetDevice(&device), hipErrorNotReady);
   EXPECT_EQ(hipGetLastError(), hipErrorInvalidDevice);
   EXPECT_EQ(hipGetLastError(), hipSuccess);
 }

@@ -1,7 +1,0 @@
-#include "simulator/initial_machine.h"
-
-namespace kestrel::simulator {
-
-Machine InitialMachine() { return {}; }
-
-}  // namespace kestrel::simulator
