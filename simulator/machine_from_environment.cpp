@@ -6,6 +6,7 @@
 
 #include "simulator/machine_file.h"
 #include "simulator/operations.h"
+#include "simulator/visible_devices.h"
 
 namespace kestrel::simulator {
 
@@ -31,7 +32,7 @@ Machine MachineFrom(const Environment& environment) {
     return {};
   }
   try {
-    return ReadMachineFile(*environment.machine_file);
+    return VisiblePart(ReadMachineFile(*environment.machine_file), environment);
   } catch (const std::exception& error) {
     // Not through std::cerr: the host may have enabled its exceptions, and the caller may be C.
     static_cast<void>(std::fprintf(stderr, "Simulated HIP runtime: %s\n", error.what()));
