@@ -74,7 +74,7 @@ if(WIN32)
   function(kestrelcore_add_run_folder_test source)
     cmake_path(GET source STEM name)
     add_executable(${name} ${source})
-    target_link_libraries(${name} PRIVATE kestrelcore_common gtest_main ${ARGN})
+    target_link_libraries(${name} PRIVATE kestrelcore_common GTest::gtest_main ${ARGN})
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${kestrelcore_run_folder}")
     add_dependencies(${name} kestrelcore_fill_run_folder)
     gtest_discover_tests(
