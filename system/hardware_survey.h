@@ -3,7 +3,8 @@
 /// kestrelcore's survey interface: what the machine offers. This header includes all others of it.
 ///
 /// Every call measures afresh, on the caller's thread, and returns plain values that the caller
-/// owns. The surveys keep no state, start no threads, read no configuration and write no output.
+/// owns. The surveys keep no state, start no threads, read no configuration and write no output. (A
+/// library built with KESTRELCORE_HIP=lazy remembers one thing: the HIP runtime that it has found.)
 /// Expected failures are reported by the `Result` next to the data. The surveys catch nothing else:
 /// std::bad_alloc and whatever the HIP runtime throws pass through. Strings, sets, maps and vectors
 /// cross the library boundary by value, so host and library must be built with the same C++

@@ -22,7 +22,7 @@ std::optional<ElfFile> JudgeFile(const char* path) noexcept {
   if (file < 0) {
     return std::nullopt;
   }
-  std::array<unsigned char, 4096> beginning;
+  std::array<unsigned char, 1024> beginning;  // holds 17 program headers; libraries have about 10
   struct stat status {};
   const ssize_t size = pread(file, beginning.data(), beginning.size(), 0);
   const bool known = size >= 0 && fstat(file, &status) == 0;
@@ -37,7 +37,7 @@ std::optional<ElfFile> JudgeFile(const char* path) noexcept {
 // The folders that the loader searches. LD_LIBRARY_PATH can name any number.
 union SearchPath {
   Dl_serinfo info;
-  std::array<char, 8192> storage;
+  std::array<char, 4096> storage;
 
   // Not info.dls_serpath, which is declared as an array without elements.
   [[nodiscard]] const Dl_serpath* folders() const noexcept {
