@@ -25,11 +25,31 @@ else()
   target_compile_options(kestrelcore_common INTERFACE -Wall -Wextra -Wpedantic -Wconversion
                                                       -Wshadow)
 endif()
+
+# What an attacker who finds a memory error in the host should not find useful.
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+if(NOT MSVC)
+  target_compile_options(kestrelcore_common INTERFACE -fstack-protector-strong)
+endif()
 if(MINGW)
   # Address space layout randomization over all 64 bits, and no execution of data: defaults of other
-  # linkers for Windows.
+  # linkers for Windows. The stack protector's library is linked in: its DLL would be one more file
+  # to install.
   target_link_options(kestrelcore_common INTERFACE
                       "LINKER:--dynamicbase,--high-entropy-va,--nxcompat")
+  target_link_libraries(kestrelcore_common INTERFACE -l:libssp.a)
+elseif(NOT WIN32)
+  # Symbols bound at load time need no writable table; and the first call of a function does not run
+  # the loader, which takes some 10 KiB of the caller's stack.
+  target_link_options(kestrelcore_common INTERFACE "LINKER:-z,relro,-z,now,-z,noexecstack")
+  if(NOT KESTRELCORE_SANITIZERS) # they check the same calls themselves
+    # Without optimization glibc warns that it cannot check. Some compilers define a level already.
+    set(optimized "$<CONFIG:Release,RelWithDebInfo,MinSizeRel>")
+    target_compile_options(
+      kestrelcore_common INTERFACE "$<${optimized}:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+  endif()
 endif()
 
 # The processor that the library requires.
@@ -44,3 +64,16 @@ if(MINGW)
   # aligned moves (GCC bug 54412): the assembler makes them unaligned.
   target_compile_options(kestrelcore_avx2 INTERFACE -Wa,-muse-unaligned-vector-move)
 endif()
+
+# Where an installed program finds the library: at a path relative to its own, which serves in the
+# build tree too, since that has the same layout. With two different paths CMake would reserve room
+# for the longer one by an empty element in the build tree's RUNPATH, which is the current directory.
+function(kestrelcore_set_program_layout program)
+  set_target_properties(${program} PROPERTIES RUNTIME_OUTPUT_DIRECTORY
+                                              "${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_BINDIR}")
+  if(NOT WIN32)
+    file(RELATIVE_PATH lib_from_bin "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+    set_target_properties(${program} PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}"
+                                                BUILD_WITH_INSTALL_RPATH ON)
+  endif()
+endfunction()

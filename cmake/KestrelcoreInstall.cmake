@@ -22,7 +22,8 @@ if(NOT WIN32)
   # A HIP outside the folders that the loader searches stays where it was found.
   cmake_path(GET HIP_LIBRARY PARENT_PATH hip_folder)
   if(NOT hip_folder IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES)
-    set_target_properties(kestrelcore PROPERTIES INSTALL_RPATH "${hip_folder}")
+    set_target_properties(kestrelcore PROPERTIES INSTALL_RPATH "${hip_folder}"
+                                                 BUILD_WITH_INSTALL_RPATH ON)
   endif()
 endif()
 
@@ -38,10 +39,6 @@ install(FILES "${PROJECT_BINARY_DIR}/kestrelcoreConfig.cmake"
         DESTINATION "${kestrelcore_package_dir}" COMPONENT development)
 
 if(KESTRELCORE_BUILD_HARNESS)
-  if(NOT WIN32)
-    file(RELATIVE_PATH lib_from_bin "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
-    set_target_properties(kestrel-harness PROPERTIES INSTALL_RPATH "$ORIGIN/${lib_from_bin}")
-  endif()
   install(TARGETS kestrel-harness RUNTIME COMPONENT harness)
   install(FILES LICENSE THIRD_PARTY_LICENSES DESTINATION "${CMAKE_INSTALL_DOCDIR}"
           COMPONENT harness)

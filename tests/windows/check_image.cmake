@@ -89,6 +89,10 @@ function(check_protection)
   if(NOT output MATCHES "Entry 5 [0-9a-f]+ [0-9a-f]*[1-9a-f][0-9a-f]* Base Relocation Directory")
     message(FATAL_ERROR "${IMAGE} has no relocations")
   endif()
+  run("${OBJDUMP}" -t "${IMAGE}")
+  if(NOT output MATCHES " __stack_chk_fail\n")
+    message(FATAL_ERROR "${IMAGE} has no stack protector")
+  endif()
 endfunction()
 
 # The stack is aligned to 16 bytes only, so an aligned move of a 32-byte register to it would fault.

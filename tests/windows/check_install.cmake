@@ -30,7 +30,7 @@ if(NOT installed STREQUAL expected)
   message(FATAL_ERROR "Installed: ${installed}")
 endif()
 
-set(provided_by_the_system KERNEL32.dll msvcrt.dll "${HIP_DLL}")
+set(provided_by_the_system ADVAPI32.dll KERNEL32.dll msvcrt.dll "${HIP_DLL}")
 file(GLOB images "${prefix}/bin/*.exe" "${prefix}/bin/*.dll")
 foreach(image IN LISTS images)
   run("${OBJDUMP}" -p "${image}")
