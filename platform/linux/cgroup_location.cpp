@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "platform/linux/line_reader.h"
+#include "platform/linux/optional_file.h"
 
 namespace kestrel::platform {
 
@@ -44,9 +45,15 @@ std::string_view WithoutRootSlash(std::string_view path) noexcept {
   return path == "/" ? std::string_view() : path;
 }
 
+// Returns the longest part of the path that names the group or an ancestor and has at most `size`
+// bytes.
+std::string_view NearestAncestor(std::string_view path, std::size_t size) noexcept {
+  return path.size() <= size ? path : path.substr(0, path.rfind('/', size));
+}
+
 struct OwnGroup {
   CgroupVersion version = CgroupVersion::kV2;
-  PathBuffer path;
+  BasicPathBuffer<LineReader::kCapacity> path;  // an ancestor's, if the group's own is too long
 };
 
 // Returns false if the file names no memory group. Lines are "4:cpu,memory:/path" for version 1 and
@@ -58,13 +65,15 @@ bool ReadGroup(std::string_view root, std::string_view groups_file, OwnGroup& ow
   bool memory_v1 = false;
   LineReader lines(root, groups_file);
   while (auto line = memory_v1 ? std::nullopt : lines.Next()) {
+    const bool truncated = line->size() == LineReader::kCapacity;
     TakeField(*line, ':');
     const std::string_view controllers = TakeField(*line, ':');
     memory_v1 = Lists(controllers, "memory");
     if ((memory_v1 || controllers.empty()) && IsAbsolute(*line)) {
       own.version = memory_v1 ? CgroupVersion::kV1 : CgroupVersion::kV2;
       own.path.Truncate(0);
-      found = own.path.Append(WithoutRootSlash(*line));
+      const std::string_view path = WithoutRootSlash(*line);
+      found = own.path.Append(truncated ? NearestAncestor(path, path.size() - 1) : path);
     }
   }
   failed = failed || lines.failed();
@@ -147,16 +156,17 @@ bool IsAboveNamespace(std::string_view path) noexcept {
   return path.empty();
 }
 
+// Whether a mount whose root is above the cgroup namespace shows an ancestor of the group. The
+// names of the groups between that root and the namespace are not known.
+bool ShowsAncestorOnly(std::string_view mount_root, std::string_view group) noexcept {
+  return LeadsOutOf(mount_root) && IsAboveNamespace(mount_root) && !LeadsOutOf(group);
+}
+
 // Returns the group's path relative to the mount's root, or `nullopt` if the mount does not show
 // the group. Both paths are relative to the root of the reader's cgroup namespace and leave it by
-// "/.."; a "/.." that remains after the mount's root leaves the mount. A mount whose root is above
-// the namespace shows an ancestor of every group inside. The names of the groups between are not
-// known, so the result is that ancestor.
+// "/.."; a "/.." that remains after the mount's root leaves the mount.
 std::optional<std::string_view> PathBelow(std::string_view mount_root,
                                           std::string_view group) noexcept {
-  if (LeadsOutOf(mount_root) && IsAboveNamespace(mount_root) && !LeadsOutOf(group)) {
-    return std::string_view();
-  }
   while (!mount_root.empty()) {
     if (group.empty() || group.front() != TakeUnescaped(mount_root)) {
       return std::nullopt;
@@ -167,13 +177,19 @@ std::optional<std::string_view> PathBelow(std::string_view mount_root,
   return whole_name && !LeadsOutOf(group) ? std::optional(group) : std::nullopt;
 }
 
+// Sets the directory to that of the group below the mount point, or of its nearest ancestor whose
+// files have paths that fit. Returns false if no path fits.
 bool Place(MemoryCgroup& group, std::string_view root, std::string_view escaped_mount_point,
            std::string_view below) noexcept {
-  if (!group.directory.Append(root) || !AppendUnescaped(group.directory, escaped_mount_point)) {
+  constexpr std::size_t kLongestName = sizeof("/memory.memsw.limit_in_bytes");
+  constexpr std::size_t kLongestDirectory = PathBuffer::kCapacity - kLongestName;
+  PathBuffer& directory = group.directory;
+  if (!directory.Append(root) || !AppendUnescaped(directory, escaped_mount_point) ||
+      directory.view().size() > kLongestDirectory) {
     return false;
   }
-  group.top_length = group.directory.view().size();
-  return group.directory.Append(below);
+  group.top_length = directory.view().size();
+  return directory.Append(NearestAncestor(below, kLongestDirectory - group.top_length));
 }
 
 // Most machines mount the whole hierarchy at its usual place. A process outside containers is in
@@ -201,25 +217,53 @@ std::optional<MemoryCgroup> FindAtUsualPlace(const OwnGroup& own) noexcept {
   return group;
 }
 
+// How much a mount shows of a group: 0 for none of it, 1 for an ancestor above the names that are
+// known, more the longer the part of the group's path is.
+using Rank = std::size_t;
+
+Rank PlaceByMount(MemoryCgroup& group, std::string_view root, const Mount& mount,
+                  std::string_view path) noexcept {
+  const bool ancestor_only = ShowsAncestorOnly(mount.root, path);
+  const auto below =
+      ancestor_only ? std::optional(std::string_view()) : PathBelow(mount.root, path);
+  if (!below || !Place(group, root, mount.point, *below)) {
+    return 0;
+  }
+  return ancestor_only ? 1 : 2 + group.directory.view().size() - group.top_length;
+}
+
+// Whether the directory is that of a group. It is not if another mount hides the mount point. The
+// kernel appends " (deleted)" to the path of a removed group, whose parent still exists.
+bool IsGroup(MemoryCgroup& group, bool& failed) noexcept {
+  constexpr std::string_view kRemoved = " (deleted)";
+  const std::string_view path = group.directory.view();
+  const bool removed =
+      path.size() >= kRemoved.size() && path.substr(path.size() - kRemoved.size()) == kRemoved;
+  if (FileExists(path, "/cgroup.procs", failed)) {
+    return true;
+  }
+  if (!removed || path.size() <= group.top_length) {
+    return false;
+  }
+  group.directory.Truncate(path.rfind('/'));
+  return FileExists(group.directory.view(), "/cgroup.procs", failed);
+}
+
 // Several mounts may show the group, as container runtimes mount only a part of the hierarchy. The
 // one that shows the longest part of the group's path, and so the most ancestors, is chosen.
 std::optional<MemoryCgroup> FindInMountTable(std::string_view root, const OwnGroup& own,
                                              bool& failed) noexcept {
+  const Rank whole_path = 2 + own.path.view().size();
   std::optional<MemoryCgroup> best;
-  std::size_t most_shown = 0;
+  Rank best_rank = 0;
   LineReader lines(root, kMountsFile);
-  while (const auto line = lines.Next()) {
+  while (const auto line = best_rank < whole_path ? lines.Next() : std::nullopt) {
     const auto mount = ParseMemoryMount(*line, own.version);
-    const auto below = mount ? PathBelow(mount->root, own.path.view()) : std::nullopt;
     MemoryCgroup group{own.version, {}, 0};
-    if (!below || (best && below->size() <= most_shown) ||
-        !Place(group, root, mount->point, *below)) {
-      continue;
-    }
-    best = group;
-    most_shown = below->size();
-    if (most_shown == own.path.view().size()) {
-      break;
+    const Rank rank = mount ? PlaceByMount(group, root, *mount, own.path.view()) : 0;
+    if (rank > best_rank && IsGroup(group, failed)) {
+      best = group;
+      best_rank = rank;
     }
   }
   failed = failed || lines.failed();

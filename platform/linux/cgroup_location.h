@@ -16,7 +16,7 @@ enum class CgroupVersion : std::uint8_t { kV1, kV2 };
 // Where the files of a process's memory group are.
 struct MemoryCgroup {
   CgroupVersion version = CgroupVersion::kV2;
-  PathBuffer directory;
+  PathBuffer directory;        // an ancestor's, if the paths of the group's own files are too long
   std::size_t top_length = 0;  // length of the path prefix that names the topmost visible ancestor
 };
 

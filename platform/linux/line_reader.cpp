@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include "platform/linux/optional_file.h"
 #include "platform/linux/path_buffer.h"
@@ -40,10 +41,14 @@ std::optional<std::string_view> LineReader::Next() noexcept {
     const std::size_t length = text.find('\n');
     if (length != std::string_view::npos) {
       begin_ += length + 1;
-      if (!in_long_line_) {
+      if (!std::exchange(in_long_line_, false)) {
         return text.substr(0, length);
       }
-      in_long_line_ = false;  // the line ends here
+    } else if (text.size() == buffer_.size()) {
+      begin_ = end_;
+      if (!std::exchange(in_long_line_, true)) {
+        return text;
+      }
     } else if (!Refill()) {
       return std::nullopt;
     }
@@ -54,10 +59,6 @@ bool LineReader::Refill() noexcept {
   std::copy(buffer_.begin() + begin_, buffer_.begin() + end_, buffer_.begin());
   end_ -= begin_;
   begin_ = 0;
-  if (end_ == buffer_.size()) {
-    end_ = 0;
-    in_long_line_ = true;
-  }
   const std::size_t size = std::min(kReadSize, buffer_.size() - end_);
   ssize_t count = -1;
   while (count < 0 && reads_left_ > 0) {

@@ -12,7 +12,7 @@ namespace kestrel::platform {
 // Reads a text file of any length line by line, through a buffer of fixed size.
 class LineReader {
  public:
-  // The longest line, with its newline.
+  // A line of this many bytes or more is returned truncated to this size.
   static constexpr std::size_t kCapacity = 2048;
 
   // The file is `name`, which begins with "/", below `directory`.
@@ -20,7 +20,8 @@ class LineReader {
 
   // Returns the next line without its newline, valid until the next call. Returns `nullopt` at the
   // end of the file, after a failure (a file that cannot be opened has no lines), and after 1 MiB.
-  // Lines longer than the buffer are skipped, and so is a last line without a newline.
+  // Only the first kCapacity bytes of a longer line are returned. A last line without a newline is
+  // skipped.
   [[nodiscard]] std::optional<std::string_view> Next() noexcept;
 
   // Whether opening or reading the file failed although it is not absent (MeansAbsent).

@@ -1,6 +1,7 @@
 #include "platform/linux/optional_file.h"
 
 #include <fcntl.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -13,6 +14,16 @@ namespace kestrel::platform {
 bool MeansAbsent(int error) noexcept {
   return error == ENOENT || error == ENOTDIR || error == ENODEV || error == EACCES ||
          error == EPERM;
+}
+
+bool FileExists(std::string_view directory, std::string_view name, bool& failed) noexcept {
+  PathBuffer path;
+  if (!path.Append(directory) || !path.Append(name)) {
+    return false;
+  }
+  const bool exists = access(path.c_str(), F_OK) == 0;
+  failed = failed || (!exists && !MeansAbsent(errno));
+  return exists;
 }
 
 std::optional<std::string_view> ReadOptionalFile(std::string_view directory, std::string_view name,

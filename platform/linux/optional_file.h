@@ -16,6 +16,10 @@ namespace kestrel::platform {
 // EMFILE, ENOMEM or EIO, for example, say nothing about the file.
 [[nodiscard]] bool MeansAbsent(int error) noexcept;
 
+// Whether the file exists. Sets `failed` if that cannot be determined. Arguments as below.
+[[nodiscard]] bool FileExists(std::string_view directory, std::string_view name,
+                              bool& failed) noexcept;
+
 // Reads the file `name`, which begins with "/", below `directory`. A text that is larger than the
 // buffer is truncated. Returns `nullopt` if the file is absent, the path is too long, or reading
 // failed.

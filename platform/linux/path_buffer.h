@@ -7,14 +7,13 @@
 
 namespace kestrel::platform {
 
-// A path that is built piece by piece, without heap memory.
-class PathBuffer {
+// A path of less than Capacity bytes that is built piece by piece, without heap memory.
+template <std::size_t Capacity>
+class BasicPathBuffer {
  public:
-  // Includes the terminating NUL. Linux accepts four times as much (PATH_MAX), but the threads of a
-  // host may have little stack, and container runtimes build paths of at most half this length.
-  static constexpr std::size_t kCapacity = 1024;
+  static constexpr std::size_t kCapacity = Capacity;  // includes the terminating NUL
 
-  PathBuffer() noexcept { text_[0] = '\0'; }
+  BasicPathBuffer() noexcept { text_[0] = '\0'; }
 
   // Returns false, and leaves the path unchanged, if the piece does not fit.
   [[nodiscard]] bool Append(std::string_view piece) noexcept {
@@ -36,8 +35,12 @@ class PathBuffer {
   [[nodiscard]] const char* c_str() const noexcept { return text_.data(); }
 
  private:
-  std::array<char, kCapacity> text_;  // only the used part and its NUL are initialised
+  std::array<char, Capacity> text_;  // only the used part and its NUL are initialised
   std::size_t size_ = 0;
 };
+
+// The path of a file. Linux accepts four times as much (PATH_MAX), but the threads of a host may
+// have little stack, and the paths that container runtimes build are about half this long.
+using PathBuffer = BasicPathBuffer<1024>;
 
 }  // namespace kestrel::platform

@@ -19,6 +19,9 @@ using platform::PathBuffer;
 
 class CgroupLocationTest : public testing::Test {
  protected:
+  // Makes a directory that of a group.
+  void MakeGroup(const std::string& directory) { tree_.Write(directory + "/cgroup.procs", ""); }
+
   // Returns the version and the directory, with a bar after the topmost visible ancestor.
   std::string Find(const std::string& groups, const std::string& mounts) {
     tree_.WriteGroups(groups);
@@ -44,15 +47,19 @@ class CgroupLocationTest : public testing::Test {
 };
 
 TEST_F(CgroupLocationTest, GroupIsBelowMountPoint) {
+  MakeGroup("/sys/fs/cgroup/a.slice/b.scope");
   EXPECT_EQ(Find("0::/a.slice/b.scope\n", MountV2("/", "/sys/fs/cgroup")),
             "v2 /sys/fs/cgroup|/a.slice/b.scope");
 }
 
 TEST_F(CgroupLocationTest, RootGroupIsMountPoint) {
+  MakeGroup("/sys/fs/cgroup");
   EXPECT_EQ(Find("0::/\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|");
 }
 
 TEST_F(CgroupLocationTest, Version1HierarchyIsFoundByMemoryController) {
+  MakeGroup("/sys/fs/cgroup/memory/a");
+  MakeGroup("/sys/fs/cgroup/cpuset/x");
   const std::string mounts = "34 31 0:31 / /sys/fs/cgroup/cpuset rw - cgroup cgroup rw,cpuset\n" +
                              MountV1("/", "/sys/fs/cgroup/memory");
   EXPECT_EQ(Find("5:cpuset:/x\n4:memory:/a\n1:name=systemd:/y\n", mounts),
@@ -60,22 +67,27 @@ TEST_F(CgroupLocationTest, Version1HierarchyIsFoundByMemoryController) {
 }
 
 TEST_F(CgroupLocationTest, Version1HierarchyMayHaveOtherControllersToo) {
+  MakeGroup("/mnt/all/a");
   EXPECT_EQ(Find("2:cpu,memory,pids:/a\n",
                  "34 31 0:31 / /mnt/all rw - cgroup cgroup rw,xattr,cpu,memory,pids\n"),
             "v1 /mnt/all|/a");
 }
 
 TEST_F(CgroupLocationTest, HierarchyNamedMemoryIsIgnored) {
+  MakeGroup("/mnt/named/a");
   EXPECT_EQ(
       Find("2:name=memory:/a\n", "34 31 0:31 / /mnt/named rw - cgroup cgroup rw,name=memory\n"),
       "none");
 }
 
 TEST_F(CgroupLocationTest, OtherFileSystemWithOptionMemoryIsIgnored) {
+  MakeGroup("/mnt/other/a");
   EXPECT_EQ(Find("2:memory:/a\n", "34 31 0:31 / /mnt/other rw - fuse fuse rw,memory\n"), "none");
 }
 
 TEST_F(CgroupLocationTest, HybridMachineUsesVersionThatHasMemoryController) {
+  MakeGroup("/memory/old");
+  MakeGroup("/sys/fs/cgroup/unified/new");
   const std::string mounts = MountV2("/", "/sys/fs/cgroup/unified") + MountV1("/", "/memory");
   EXPECT_EQ(Find("4:memory:/old\n0::/new\n", mounts), "v1 /memory|/old");
   EXPECT_EQ(Find("0::/new\n4:memory:/old\n", mounts), "v1 /memory|/old");
@@ -83,11 +95,15 @@ TEST_F(CgroupLocationTest, HybridMachineUsesVersionThatHasMemoryController) {
 }
 
 TEST_F(CgroupLocationTest, MountOfOtherVersionIsIgnored) {
+  MakeGroup("/sys/fs/cgroup/a");
+  MakeGroup("/sys/fs/cgroup/memory/a");
   EXPECT_EQ(Find("4:memory:/a\n", MountV2("/", "/sys/fs/cgroup")), "none");
   EXPECT_EQ(Find("0::/a\n", MountV1("/", "/sys/fs/cgroup/memory")), "none");
 }
 
 TEST_F(CgroupLocationTest, MountOfPartShowsItsRootAtMountPoint) {
+  MakeGroup("/sys/fs/cgroup");
+  MakeGroup("/sys/fs/cgroup/sub");
   EXPECT_EQ(Find("0::/docker/f00\n", MountV2("/docker/f00", "/sys/fs/cgroup")),
             "v2 /sys/fs/cgroup|");
   EXPECT_EQ(Find("0::/docker/f00/sub\n", MountV2("/docker/f00", "/sys/fs/cgroup")),
@@ -95,18 +111,26 @@ TEST_F(CgroupLocationTest, MountOfPartShowsItsRootAtMountPoint) {
 }
 
 TEST_F(CgroupLocationTest, MountOfPartDoesNotShowGroupsOutside) {
+  MakeGroup("/sys/fs/cgroup");
+  MakeGroup("/sys/fs/cgroup/docker");
+  MakeGroup("/sys/fs/cgroup/docker/f00d");
   EXPECT_EQ(Find("0::/docker/f00d\n", MountV2("/docker/f00", "/sys/fs/cgroup")), "none");
   EXPECT_EQ(Find("0::/docker\n", MountV2("/docker/f00", "/sys/fs/cgroup")), "none");
   EXPECT_EQ(Find("0::/\n", MountV2("/docker/f00", "/sys/fs/cgroup")), "none");
 }
 
 TEST_F(CgroupLocationTest, PathsOutsideNamespaceMatchFromTheirCommonStart) {
+  MakeGroup("/sys/fs/cgroup");
+  MakeGroup("/sys/fs/cgroup/b");
+  MakeGroup("/sys/fs/cgroup/a/b");
   EXPECT_EQ(Find("0::/../../a/b\n", MountV2("/../..", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/a/b");
   EXPECT_EQ(Find("0::/../a/b\n", MountV2("/../a", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/b");
   EXPECT_EQ(Find("0::/../..\n", MountV2("/../..", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|");
 }
 
 TEST_F(CgroupLocationTest, GroupOutsideNamespaceIsNotInMountOfIt) {
+  MakeGroup("/sys/fs/cgroup");
+  MakeGroup("/sys/fs/cgroup/a");
   EXPECT_EQ(Find("0::/..\n", MountV2("/", "/sys/fs/cgroup")), "none");
   EXPECT_EQ(Find("0::/../a\n", MountV2("/", "/sys/fs/cgroup")), "none");
   EXPECT_EQ(Find("0::/../..\n", MountV2("/..", "/sys/fs/cgroup")), "none");
@@ -116,26 +140,36 @@ TEST_F(CgroupLocationTest, GroupOutsideNamespaceIsNotInMountOfIt) {
 // The mount's root is above that of the namespace: it is an ancestor, and the names of the groups
 // between are unknown.
 TEST_F(CgroupLocationTest, GroupBelowUnmountedNamesUsesMountedAncestor) {
+  MakeGroup("/sys/fs/cgroup");
   EXPECT_EQ(Find("0::/\n", MountV2("/..", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|");
   EXPECT_EQ(Find("0::/a\n", MountV2("/../..", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|");
 }
 
 // Memory is charged to the first thread's group; version 1 lets other threads be in other groups.
 TEST_F(CgroupLocationTest, GroupOfFirstThreadIsUsed) {
+  MakeGroup("/sys/fs/cgroup/first");
+  MakeGroup("/sys/fs/cgroup/other");
   tree_.Write("/proc/self/cgroup", "0::/first\n");
   EXPECT_EQ(Find("0::/other\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/first");
 }
 
 TEST_F(CgroupLocationTest, GroupOfCallingThreadIsUsedAfterFirstThreadEnded) {
+  MakeGroup("/sys/fs/cgroup");
+  MakeGroup("/sys/fs/cgroup/other");
   tree_.Write("/proc/self/cgroup", "0::/\n");
   EXPECT_EQ(Find("0::/other\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/other");
 }
 
 TEST_F(CgroupLocationTest, NameThatBeginsWithDotsStaysInNamespace) {
-  EXPECT_EQ(Find("0::/..a/..\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/..a/..");
+  MakeGroup("/sys/fs/cgroup/..a/..b");
+  EXPECT_EQ(Find("0::/..a/..b\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/..a/..b");
 }
 
 TEST_F(CgroupLocationTest, MountThatShowsLongestPathWins) {
+  MakeGroup("/part/b");
+  MakeGroup("/whole/a/b");
+  MakeGroup("/own");
+  MakeGroup("/other");
   const std::string part = MountV2("/a", "/part");
   const std::string whole = MountV2("/", "/whole");
   const std::string own = MountV2("/a/b", "/own");
@@ -146,14 +180,20 @@ TEST_F(CgroupLocationTest, MountThatShowsLongestPathWins) {
 }
 
 TEST_F(CgroupLocationTest, FirstOfEqualMountsWins) {
+  MakeGroup("/one/b");
+  MakeGroup("/two/b");
   EXPECT_EQ(Find("0::/a/b\n", MountV2("/a", "/one") + MountV2("/a", "/two")), "v2 /one|/b");
 }
 
 TEST_F(CgroupLocationTest, GroupNameMayContainColonsAndBlanks) {
+  MakeGroup("/sys/fs/cgroup/a:b/c d");
   EXPECT_EQ(Find("0::/a:b/c d\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/a:b/c d");
 }
 
 TEST_F(CgroupLocationTest, EscapesInMountTableAreDecoded) {
+  MakeGroup("/my groups\tx\\y/a/x");
+  MakeGroup("/groups /a/x");
+  MakeGroup("/sys/fs/cgroup/c");
   EXPECT_EQ(Find("0::/a/x\n", MountV2("/", "/my\\040groups\\011x\\134y")),
             "v2 /my groups\tx\\y|/a/x");
   EXPECT_EQ(Find("0::/a/x\n", MountV2("/", "/groups\\040")), "v2 /groups |/a/x");
@@ -162,12 +202,16 @@ TEST_F(CgroupLocationTest, EscapesInMountTableAreDecoded) {
 }
 
 TEST_F(CgroupLocationTest, IncompleteEscapesAreKept) {
+  MakeGroup("/a\\04");
+  MakeGroup("/a\\048");
+  MakeGroup("/a\\x2db\\");
   EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\04")), "v2 /a\\04|");
   EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\048")), "v2 /a\\048|");
   EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\x2db\\")), "v2 /a\\x2db\\|");
 }
 
 TEST_F(CgroupLocationTest, TagsAndSourceOfMountAreIgnored) {
+  MakeGroup("/sys/fs/cgroup/a");
   const std::string head = "30 23 0:26 / /sys/fs/cgroup rw";
   for (const std::string tail :
        {" - cgroup2 cgroup2 rw", " shared:9 - cgroup2 none rw", " - cgroup2  rw",
@@ -177,6 +221,7 @@ TEST_F(CgroupLocationTest, TagsAndSourceOfMountAreIgnored) {
 }
 
 TEST_F(CgroupLocationTest, LongMountTableIsReadToTheEnd) {
+  MakeGroup("/late/a");
   std::string mounts;
   for (int mount = 0; mount < 800; ++mount) {
     mounts += std::to_string(100 + mount) + " 27 0:" + std::to_string(100 + mount) +
@@ -186,19 +231,45 @@ TEST_F(CgroupLocationTest, LongMountTableIsReadToTheEnd) {
   EXPECT_EQ(Find("0::/a\n", mounts + MountV2("/", "/late")), "v2 /late|/a");
 }
 
-TEST_F(CgroupLocationTest, OverlongLineIsSkipped) {
+TEST_F(CgroupLocationTest, OverlongLineOfOtherMountIsIgnored) {
+  MakeGroup("/late/a");
   const std::string overlay =
       "90 27 0:90 / /merged rw - overlay overlay rw,lowerdir=" + std::string(9000, 'l') + "\n";
   EXPECT_EQ(Find("0::/a\n", overlay + MountV2("/", "/late")), "v2 /late|/a");
-  EXPECT_EQ(Find("0::/" + std::string(5000, 'a') + "\n", MountV2("/", "/late")), "none");
 }
 
-TEST_F(CgroupLocationTest, OverlongPathIsSkipped) {
-  const std::string groups = "0::/" + std::string(700, 'a') + "/b\n";
-  const std::string long_mount = MountV2("/", "/" + std::string(400, 'm'));
-  EXPECT_EQ(Find(groups, long_mount), "none");
-  const std::string part = "/" + std::string(700, 'a');
-  EXPECT_EQ(Find(groups, long_mount + MountV2(part, "/part")), "v2 /part|/b");
+// Names of 100 bytes.
+std::string LongPath(int names) {
+  std::string path;
+  for (int name = 0; name < names; ++name) {
+    path += "/" + std::string(99, static_cast<char>('a' + name));
+  }
+  return path;
+}
+
+TEST_F(CgroupLocationTest, OverlongPathBeginsAtNearestAncestorThatFits) {
+  const std::string nearest = LongPath(9);
+  MakeGroup("/cg" + nearest);
+  EXPECT_EQ(Find("0::" + LongPath(12) + "\n", MountV2("/", "/cg")), "v2 /cg|" + nearest);
+}
+
+TEST_F(CgroupLocationTest, PathBeyondLineBufferBeginsAtAncestor) {
+  const std::string nearest = LongPath(9);
+  MakeGroup("/cg" + nearest);
+  EXPECT_EQ(Find("0::" + LongPath(26) + "\n", MountV2("/", "/cg")), "v2 /cg|" + nearest);
+}
+
+TEST_F(CgroupLocationTest, MountOfPartShowsOverlongPath) {
+  MakeGroup("/cg/own");
+  EXPECT_EQ(Find("0::" + LongPath(18) + "/own\n", MountV2(LongPath(18), "/cg")), "v2 /cg|/own");
+}
+
+TEST_F(CgroupLocationTest, MountThatShowsMoreOfOverlongPathWins) {
+  MakeGroup("/cg" + LongPath(8));
+  MakeGroup("/part/own");
+  const std::string groups = "0::" + LongPath(12) + "/own\n";
+  EXPECT_EQ(Find(groups, MountV2(LongPath(12), "/part") + MountV2("/", "/cg" + LongPath(8))),
+            "v2 /part|/own");
 }
 
 TEST_F(CgroupLocationTest, OverlongRootHasNoGroup) {
@@ -210,17 +281,44 @@ TEST_F(CgroupLocationTest, OverlongRootHasNoGroup) {
 }
 
 TEST_F(CgroupLocationTest, OverlongMountPointIsSkipped) {
-  std::string root = tree_.root();
-  while (root.size() < PathBuffer::kCapacity - 200) {
-    root += "/.";
-  }
-  tree_.WriteGroups("0::/a\n");
-  tree_.WriteMounts(MountV2("/", "/" + std::string(300, 'm')));
-  bool failed = false;
-  EXPECT_FALSE(FindMemoryCgroup(root, failed));
-  tree_.WriteMounts(MountV2("/", "/" + std::string(100, 'm')));
-  EXPECT_TRUE(FindMemoryCgroup(root, failed));
-  EXPECT_FALSE(failed);
+  MakeGroup(LongPath(10) + "/a");
+  MakeGroup("/cg/a");
+  EXPECT_EQ(Find("0::/a\n", MountV2("/", LongPath(10))), "none");
+  EXPECT_EQ(Find("0::/a\n", MountV2("/", LongPath(10)) + MountV2("/", "/cg")), "v2 /cg|/a");
+}
+
+TEST_F(CgroupLocationTest, MountHiddenByAnotherFileSystemIsSkipped) {
+  MakeGroup("/second/a/b");
+  const std::string hidden =
+      MountV2("/", "/sys/fs/cgroup") + "40 30 0:40 / /sys/fs/cgroup rw - tmpfs tmpfs rw\n";
+  EXPECT_EQ(Find("0::/a/b\n", hidden), "none");
+  EXPECT_EQ(Find("0::/a/b\n", hidden + MountV2("/", "/second")), "v2 /second|/a/b");
+}
+
+// Below the mount point are the groups of the ancestor that is mounted last.
+TEST_F(CgroupLocationTest, MountHiddenByThatOfAncestorIsSkipped) {
+  MakeGroup("/sys/fs/cgroup/b");
+  EXPECT_EQ(Find("0::/a/b\n", MountV2("/", "/sys/fs/cgroup") + MountV2("/a", "/sys/fs/cgroup")),
+            "v2 /sys/fs/cgroup|/b");
+}
+
+TEST_F(CgroupLocationTest, MountFromAboveNamespaceRanksLast) {
+  MakeGroup("/host");
+  MakeGroup("/sys/fs/cgroup");
+  const std::string above = MountV2("/../..", "/host");
+  const std::string own = MountV2("/", "/sys/fs/cgroup");
+  EXPECT_EQ(Find("0::/\n", above + own), "v2 /sys/fs/cgroup|");
+  EXPECT_EQ(Find("0::/\n", own + above), "v2 /sys/fs/cgroup|");
+  EXPECT_EQ(Find("0::/\n", above), "v2 /host|");
+}
+
+TEST_F(CgroupLocationTest, RemovedGroupBeginsAtItsParent) {
+  MakeGroup("/sys/fs/cgroup/a");
+  const std::string mount = MountV2("/", "/sys/fs/cgroup");
+  EXPECT_EQ(Find("0::/a/b (deleted)\n", mount), "v2 /sys/fs/cgroup|/a");
+  MakeGroup("/sys/fs/cgroup/a/b (deleted)");
+  EXPECT_EQ(Find("0::/a/b (deleted)\n", mount), "v2 /sys/fs/cgroup|/a/b (deleted)");
+  EXPECT_EQ(Find("0::/c/d (deleted)\n", mount), "none");
 }
 
 TEST_F(CgroupLocationTest, MissingFilesGiveNoGroup) {
@@ -244,6 +342,11 @@ TEST_F(CgroupLocationTest, UnreadableMountTableFails) {
 }
 
 TEST_F(CgroupLocationTest, MalformedFilesGiveNoGroup) {
+  MakeGroup("/memory");
+  MakeGroup("/unified");
+  MakeGroup("/unified/a");
+  MakeGroup("/sys");
+  MakeGroup("/sys/a");
   for (const std::string groups : {"", "\n", "0\n", "0:\n", "0::\n", "0::a\n", "nonsense\n",
                                    "4:memory:\n", "::\n", "0::/cut off"}) {
     EXPECT_EQ(Find(groups, MountV1("/", "/memory") + MountV2("/", "/unified")), "none") << groups;

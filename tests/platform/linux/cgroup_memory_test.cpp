@@ -27,6 +27,7 @@ class CgroupMemoryV2Test : public testing::Test {
   void SetUp() override {
     tree_.WriteGroups("0::/a/b\n");
     tree_.WriteMounts(MountV2("/", "/cg"));
+    tree_.Write("/cg/a/b/cgroup.procs", "");
   }
 
   void Write(const std::string& group, const std::string& file, const std::string& text) {
@@ -132,12 +133,14 @@ TEST_F(CgroupMemoryV2Test, AncestorsLimitHoldsWithoutFilesOfOwnGroup) {
 
 TEST_F(CgroupMemoryV2Test, RemovedGroupUsesAncestorsLimit) {
   tree_.WriteGroups("0::/a/b (deleted)\n");
+  tree_.Write("/cg/a/cgroup.procs", "");
   WriteGroup("/a", "1000", "100");
   EXPECT_EQ(Read().physical, 900U);
 }
 
 TEST_F(CgroupMemoryV2Test, AncestorsAboveMountAreIgnored) {
   tree_.WriteMounts(MountV2("/a", "/cg/inner"));
+  tree_.Write("/cg/inner/b/cgroup.procs", "");
   WriteGroup("", "1000", "100");
   EXPECT_EQ(Read().physical, kUnlimited);
   WriteGroup("/inner/b", "3000", "100");
@@ -260,6 +263,7 @@ class CgroupMemoryV1Test : public testing::Test {
   void SetUp() override {
     tree_.WriteGroups("4:memory:/a/b\n0::/\n");
     tree_.WriteMounts(MountV1("/", "/cg"));
+    tree_.Write("/cg/a/b/cgroup.procs", "");
   }
 
   void Write(const std::string& group, const std::string& file, const std::string& text) {

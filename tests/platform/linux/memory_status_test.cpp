@@ -58,6 +58,7 @@ class MemoryStatusTest : public testing::Test {
   }
 
   void WriteV2(const std::string& directory, const Group& group) {
+    tree_.Write("/sys/fs/cgroup" + directory + "/cgroup.procs", "");
     const std::string path = "/sys/fs/cgroup" + directory + "/memory.";
     tree_.Write(path + "max", BytesOrMax(group.limit));
     tree_.Write(path + "current", Bytes(group.usage));
@@ -70,6 +71,7 @@ class MemoryStatusTest : public testing::Test {
 
   void WriteV1(const std::string& directory, const Group& group) {
     const std::string no_limit = "9223372036854771712\n";
+    tree_.Write("/sys/fs/cgroup/memory" + directory + "/cgroup.procs", "");
     const std::string path = "/sys/fs/cgroup/memory" + directory + "/memory.";
     tree_.Write(path + "limit_in_bytes", group.limit ? Bytes(*group.limit) : no_limit);
     tree_.Write(path + "usage_in_bytes", Bytes(group.usage));
@@ -150,8 +152,8 @@ TEST_F(MemoryStatusTest, PodIsTighterThanItsContainer) {
   ExpectStatus(510, 0);
 }
 
-// Only the user's slice has limits: 4096 - (3072 - 700 - 200 - 60), and 1024 - 256 of swap. The
-// process's own group uses twice its memory.high.
+// Only the user's slice has limits: 4096 - (3072 - 700 - 200 - 60), and 1024 - 256 of swap.
+// The process's own group uses twice its memory.high.
 TEST_F(MemoryStatusTest, SliceLimitsThrottledGroup) {
   tree_.WriteGroups("0::/user.slice/user-1000.slice/user@1000.service/app.slice/shell.scope\n");
   tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
@@ -208,6 +210,42 @@ TEST_F(MemoryStatusTest, StrictOvercommitInGroup) {
   ExpectStatus(1732, 512);
 }
 
+TEST_F(MemoryStatusTest, AncestorLimitsGroupWhosePathIsTooLong) {
+  tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
+  WriteV2("/system.slice", {300, 0});
+  std::string path = "/system.slice";
+  for (int level = 1; level <= 25; ++level) {
+    path += "/" + std::string(99, 'n');
+    WriteV2(path, {{}, 0});
+    tree_.WriteGroups("0::" + path + "\n");
+    ExpectStatus(300, 2048);
+  }
+}
+
+TEST_F(MemoryStatusTest, HiddenMountIsNotTaken) {
+  tree_.WriteGroups("0::/a/b\n");
+  tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup") +
+                    "40 30 0:40 / /sys/fs/cgroup rw - tmpfs t rw\n" +
+                    MountV2("/", "/sys/fs/cgroup/second"));
+  WriteV2("/second/a/b", {300, 0});
+  ExpectStatus(300, 2048);
+}
+
+TEST_F(MemoryStatusTest, MountHiddenByThatOfAncestorIsNotTaken) {
+  tree_.WriteGroups("0::/a/b\n");
+  tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup") + MountV2("/a", "/sys/fs/cgroup"));
+  WriteV2("/b", {300, 0});
+  ExpectStatus(300, 2048);
+}
+
+TEST_F(MemoryStatusTest, MountFromAboveNamespaceRanksLast) {
+  tree_.WriteGroups("0::/\n");
+  tree_.WriteMounts(MountV2("/../..", "/sys/fs/cgroup/host") + MountV2("/", "/sys/fs/cgroup/own"));
+  WriteV2("/host", {{}, 0});
+  WriteV2("/own", {300, 0});
+  ExpectStatus(300, 2048);
+}
+
 TEST_F(MemoryStatusTest, TightestGroupIsTheLimit) {
   WriteService({2048, 500});
   EXPECT_EQ(LimitingGroup(), "/sys/fs/cgroup/system.slice/render.service");
@@ -249,15 +287,29 @@ TEST_F(MemoryStatusTest, UnreadableOvercommitModeFails) {
   EXPECT_EQ(ReadMemoryStatus(tree_.root()), std::nullopt);
 }
 
-// Debian's kernel 6.1 with version 2, swap and a limit on the parent group of 268435456 bytes. Used
-// are 221425664, of which 157290496 of file pages and 378272 of slab can be reclaimed. A file of
-// 150 MiB had been read in the group, and a process held 60 MiB.
-TEST(RecordedMachineTest, Linux61UnderLoad) {
-  const auto status = ReadMemoryStatus(KESTRELCORE_MACHINES "/linux_6_1");
+// Debian's kernels with version 2 and swap. The limits are on the parent group: 268435456 bytes of
+// memory and 67108864 of swap. A file of 150 MiB had been read, and a process held 64 MiB.
+void ExpectRecordedStatus(const std::string& machine, std::uint64_t total_kibibytes,
+                          std::uint64_t available) {
+  PathBuffer group;
+  const std::string root = std::string(KESTRELCORE_MACHINES) + "/" + machine;
+  const auto status = ReadMemoryStatus(root, &group);
   ASSERT_TRUE(status);
-  EXPECT_EQ(status->total_physical, 2026000U * 1024);
-  EXPECT_EQ(status->available_physical, 204678560U);
+  EXPECT_EQ(status->total_physical, total_kibibytes * 1024);
+  EXPECT_EQ(status->available_physical, available);
   EXPECT_EQ(status->committable, 67108864U);
+  EXPECT_EQ(group.view(), root + "/sys/fs/cgroup/box");
+}
+
+// Limit less usage, plus file pages and the reclaimable slab.
+TEST(RecordedMachineTest, Linux61UnderLoad) {
+  ExpectRecordedStatus("linux_6_1", 2026000,
+                       268435456U - (197386240U - 115310592U - 8192U - 12994096U));
+}
+
+TEST(RecordedMachineTest, Linux612UnderLoad) {
+  ExpectRecordedStatus("linux_6_12", 2020704,
+                       268435456U - (199331840U - 114036736U - 8192U - 12853656U));
 }
 
 TEST(RecordedMachineTest, MachineWithoutFilesHasNoStatus) {

@@ -13,6 +13,7 @@
 namespace kestrel::tests {
 namespace {
 
+using platform::FileExists;
 using platform::MeansAbsent;
 using platform::ReadOptionalFile;
 using platform::ReadOptionalNumber;
@@ -79,6 +80,18 @@ TEST_F(OptionalFileTest, FileThatCannotBeReadFails) {
 TEST_F(OptionalFileTest, FileThatCannotBeOpenedFails) {
   std::filesystem::create_symlink("file", tree_.root() + "/file");
   EXPECT_EQ(Text(), std::nullopt);
+  EXPECT_TRUE(failed_);
+}
+
+TEST_F(OptionalFileTest, ExistenceIsReported) {
+  EXPECT_FALSE(FileExists(tree_.root(), "/file", failed_));
+  tree_.Write("/file", "");
+  EXPECT_TRUE(FileExists(tree_.root(), "/file", failed_));
+  EXPECT_FALSE(FileExists(tree_.root() + "/file", "/below", failed_));
+  EXPECT_FALSE(FileExists(std::string(5000, '/'), "/file", failed_));
+  EXPECT_FALSE(failed_);
+  std::filesystem::create_symlink("loop", tree_.root() + "/loop");
+  EXPECT_FALSE(FileExists(tree_.root(), "/loop", failed_));
   EXPECT_TRUE(failed_);
 }
 
