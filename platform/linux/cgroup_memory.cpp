@@ -100,6 +100,19 @@ std::uint64_t Headroom(std::uint64_t limit, std::uint64_t usage,
   return SaturatingSubtract(limit, SaturatingSubtract(usage, reclaimable));
 }
 
+// With memory.zswap.writeback 0 (Linux 6.8 and later) the group's pages stay in the compressed pool
+// in RAM and never reach the swap device. The setting of an ancestor holds for its descendants.
+void NarrowSwapByV2(GroupReader& group, CgroupRoom& room) noexcept {
+  const auto limit = group.Limit("/memory.swap.max");
+  const auto usage = limit ? group.Number("/memory.swap.current") : std::nullopt;
+  if (usage) {
+    room.swap = std::min(room.swap, SaturatingSubtract(*limit, *usage));
+  }
+  if (group.Number("/memory.zswap.writeback") == 0U) {
+    room.swap = 0;
+  }
+}
+
 // Only memory.max and memory.swap.max are limits. A process above memory.high or memory.swap.high
 // is slowed down, but its allocations succeed.
 void NarrowByV2(GroupReader& group, bool with_swap, CgroupRoom& room) noexcept {
@@ -109,10 +122,8 @@ void NarrowByV2(GroupReader& group, bool with_swap, CgroupRoom& room) noexcept {
   if (reclaimable) {
     room.physical = std::min(room.physical, Headroom(*limit, *usage, *reclaimable));
   }
-  const auto swap_limit = with_swap ? group.Limit("/memory.swap.max") : std::nullopt;
-  const auto swap_usage = swap_limit ? group.Number("/memory.swap.current") : std::nullopt;
-  if (swap_usage) {
-    room.swap = std::min(room.swap, SaturatingSubtract(*swap_limit, *swap_usage));
+  if (with_swap) {
+    NarrowSwapByV2(group, room);
   }
 }
 
@@ -143,16 +154,6 @@ void NarrowByV1(GroupReader& group, bool is_own, CgroupRoom& room) noexcept {
   }
 }
 
-// With swappiness 0 the kernel swaps nothing for a group at its limit: processes are killed
-// although swap is free. A machine that runs out of RAM swaps nevertheless. Version 2 has one
-// setting for the whole machine.
-bool SwapsWhenFull(std::string_view root, GroupReader& own, bool& failed) noexcept {
-  const auto swappiness = own.version() == CgroupVersion::kV1
-                              ? own.Number("/memory.swappiness")
-                              : ReadOptionalNumber(root, "/proc/sys/vm/swappiness", failed);
-  return swappiness != 0U;
-}
-
 }  // namespace
 
 std::optional<CgroupRoom> ReadCgroupRoom(std::string_view root, bool with_swap,
@@ -163,7 +164,9 @@ std::optional<CgroupRoom> ReadCgroupRoom(std::string_view root, bool with_swap,
   if (own) {
     GroupReader group(*own, failed);
     bool is_own = true;
-    room.swaps_when_full = !with_swap || SwapsWhenFull(root, group, failed);
+    if (with_swap && group.version() == CgroupVersion::kV1) {
+      room.swappiness = group.Number("/memory.swappiness");
+    }
     do {
       const std::uint64_t before = room.Memory();
       if (group.version() == CgroupVersion::kV2) {

@@ -18,7 +18,7 @@ struct CgroupRoom {
   std::uint64_t physical = kUnlimited;         // RAM
   std::uint64_t swap = kUnlimited;             // swap alone; limited by version 2
   std::uint64_t memory_and_swap = kUnlimited;  // RAM and swap in one counter; limited by version 1
-  bool swaps_when_full = true;  // whether the kernel swaps once `physical` is used up
+  std::optional<std::uint64_t> swappiness = std::nullopt;  // of the own group; version 1 only
 
   // RAM that the groups allow, by whichever of their limits is tighter.
   [[nodiscard]] std::uint64_t Memory() const noexcept {

@@ -17,22 +17,37 @@ std::optional<Meminfo> ReadMeminfo(std::string_view root) noexcept {
   return text ? ParseMeminfo(*text) : std::nullopt;
 }
 
-bool ReadStrictOvercommit(std::string_view root, bool& failed) noexcept {
-  std::array<char, 16> buffer;
-  const auto text = ReadOptionalFile(root, "/proc/sys/vm/overcommit_memory", buffer.data(),
-                                     buffer.size(), failed);
-  return text && IsStrictOvercommit(*text);
+void ReadOvercommit(std::string_view root, MemorySettings& settings, bool& failed) noexcept {
+  constexpr std::uint64_t kNever = 2;  // OVERCOMMIT_NEVER, proc_sys_vm(5)
+  const auto mode = ReadOptionalNumber(root, "/proc/sys/vm/overcommit_memory", failed);
+  settings.strict_overcommit = mode == kNever;
+}
+
+// With swappiness 0 processes are killed although swap is free. For a group at its limit the kernel
+// swaps nothing then. When the machine itself is out of RAM, the multi-generational LRU swaps
+// nothing either, and the classic LRU starts too late: with 128 MiB of free swap, Linux 6.1
+// and 6.12 killed processes after 2 to 9 MiB.
+bool ReadSwaps(std::string_view root, const CgroupRoom& room, bool& failed) noexcept {
+  const auto swappiness = room.swappiness
+                              ? room.swappiness
+                              : ReadOptionalNumber(root, "/proc/sys/vm/swappiness", failed);
+  return swappiness != 0U;
 }
 
 }  // namespace
 
 std::optional<MemoryStatus> ReadMemoryStatus(std::string_view root, PathBuffer* group) noexcept {
+  std::optional<MemoryStatus> status;
   const auto meminfo = ReadMeminfo(root);
-  const auto room = meminfo ? ReadCgroupRoom(root, meminfo->swap_free > 0, group) : std::nullopt;
-  bool failed = !room;
-  const bool strict = !failed && ReadStrictOvercommit(root, failed);
-  const auto status =
-      failed ? std::nullopt : std::optional(ToMemoryStatus(*meminfo, strict, *room));
+  const bool with_swap = meminfo && meminfo->swap_free > 0;
+  const auto room = meminfo ? ReadCgroupRoom(root, with_swap, group) : std::nullopt;
+  if (room) {
+    bool failed = false;
+    MemorySettings settings;
+    ReadOvercommit(root, settings, failed);
+    settings.swaps = with_swap && ReadSwaps(root, *room, failed);
+    status = failed ? std::nullopt : std::optional(ToMemoryStatus(*meminfo, settings, *room));
+  }
   if (group != nullptr && (!status || status->limit != MemoryLimit::kMemoryGroup)) {
     group->Truncate(0);
   }

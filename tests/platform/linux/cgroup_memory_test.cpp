@@ -64,7 +64,6 @@ TEST_F(CgroupMemoryV2Test, MissingMountGivesNoLimit) {
   tree_.WriteMounts("");
   EXPECT_EQ(Read().physical, kUnlimited);
   EXPECT_EQ(Read().swap, kUnlimited);
-  EXPECT_TRUE(Read().swaps_when_full);
 }
 
 TEST_F(CgroupMemoryV2Test, MaxGivesNoLimit) {
@@ -223,13 +222,19 @@ TEST_F(CgroupMemoryV2Test, SwapFilesAreNotReadWithoutSwap) {
   EXPECT_EQ(room->physical, 900U);
 }
 
-TEST_F(CgroupMemoryV2Test, FullGroupDoesNotSwapWithSwappiness0) {
-  WriteGroup("/a/b", "1000", "100");
-  EXPECT_TRUE(Read().swaps_when_full);
-  tree_.Write("/proc/sys/vm/swappiness", "0\n");
-  EXPECT_FALSE(Read().swaps_when_full);
-  tree_.Write("/proc/sys/vm/swappiness", "1\n");
-  EXPECT_TRUE(Read().swaps_when_full);
+TEST_F(CgroupMemoryV2Test, GroupWithoutZswapWritebackHasNoSwap) {
+  for (const std::string group : {"/a/b", "/a", ""}) {
+    Write(group, "zswap.writeback", "1\n");
+    EXPECT_EQ(Read().swap, kUnlimited) << group;
+    Write(group, "zswap.writeback", "0\n");
+    EXPECT_EQ(Read().swap, 0U) << group;
+    tree_.Remove("/cg" + group + "/memory.zswap.writeback");
+  }
+}
+
+TEST_F(CgroupMemoryV2Test, ThereIsNoSwappinessPerGroup) {
+  Write("/a/b", "swappiness", "0\n");
+  EXPECT_EQ(Read().swappiness, std::nullopt);
 }
 
 TEST_F(CgroupMemoryV2Test, UnreadableFileFails) {
@@ -242,15 +247,10 @@ TEST_F(CgroupMemoryV2Test, UnreadableFileFails) {
     tree_.Remove("/cg/a/b/memory." + file);
     return fails;
   };
-  for (const std::string file : {"max", "current", "stat", "swap.max", "swap.current"}) {
+  for (const std::string file :
+       {"max", "current", "stat", "swap.max", "swap.current", "zswap.writeback"}) {
     EXPECT_TRUE(fails_without(file)) << file;
   }
-}
-
-TEST_F(CgroupMemoryV2Test, UnreadableSwappinessFails) {
-  tree_.MakeUnreadable("/proc/sys/vm/swappiness");
-  EXPECT_FALSE(ReadCgroupRoom(tree_.root(), /*with_swap=*/true));
-  EXPECT_TRUE(ReadCgroupRoom(tree_.root(), /*with_swap=*/false));
 }
 
 TEST_F(CgroupMemoryV2Test, UnreadableMountTableFails) {
@@ -351,15 +351,18 @@ TEST_F(CgroupMemoryV1Test, OwnGroupsLimitHoldsWithoutHierarchy) {
   EXPECT_EQ(Read().physical, 900U);
 }
 
-TEST_F(CgroupMemoryV1Test, FullGroupDoesNotSwapWithItsOwnSwappiness0) {
-  tree_.Write("/proc/sys/vm/swappiness", "0\n");
-  WriteGroup("/a", "1000", "100");
+TEST_F(CgroupMemoryV1Test, SwappinessIsThatOfOwnGroup) {
   Write("/a", "swappiness", "0\n");
-  EXPECT_TRUE(Read().swaps_when_full);
-  Write("/a/b", "swappiness", "0\n");
-  EXPECT_FALSE(Read().swaps_when_full);
+  EXPECT_EQ(Read().swappiness, std::nullopt);
   Write("/a/b", "swappiness", "60\n");
-  EXPECT_TRUE(Read().swaps_when_full);
+  EXPECT_EQ(Read().swappiness, 60U);
+}
+
+TEST_F(CgroupMemoryV1Test, SwappinessIsNotReadWithoutSwap) {
+  Write("/a/b", "swappiness", "60\n");
+  const auto room = ReadCgroupRoom(tree_.root(), /*with_swap=*/false);
+  ASSERT_TRUE(room);
+  EXPECT_EQ(room->swappiness, std::nullopt);
 }
 
 TEST_F(CgroupMemoryV1Test, MalformedFigureGivesNoLimit) {

@@ -8,19 +8,11 @@ namespace kestrel::tests {
 namespace {
 
 using platform::CgroupRoom;
-using platform::IsStrictOvercommit;
 using platform::Meminfo;
 using platform::MemoryLimit;
+using platform::MemorySettings;
 using platform::MemoryStatus;
 using platform::ToMemoryStatus;
-
-TEST(MemoryPolicyTest, OnlyModeTwoIsStrict) {
-  EXPECT_TRUE(IsStrictOvercommit("2\n"));
-  EXPECT_TRUE(IsStrictOvercommit("2"));
-  for (const char* const text : {"0\n", "1\n", "", "\n", "22\n", "-2\n", " 2\n", "x"}) {
-    EXPECT_FALSE(IsStrictOvercommit(text)) << text;
-  }
-}
 
 constexpr std::uint64_t kUnlimited = CgroupRoom::kUnlimited;
 
@@ -40,80 +32,89 @@ void ExpectStatus(const MemoryStatus& status, std::uint64_t available, std::uint
   EXPECT_EQ(status.committable, committable);
 }
 
+constexpr MemorySettings kStrict = {true, true};
+
 TEST(MemoryPolicyTest, NoLimitGivesMachinesFigures) {
-  ExpectStatus(ToMemoryStatus(Machine(), false), 10000, 2000);
-  ExpectStatus(ToMemoryStatus(Machine(), false, {}), 10000, 2000);
+  ExpectStatus(ToMemoryStatus(Machine(), {}), 10000, 2000);
+  ExpectStatus(ToMemoryStatus(Machine(), {}, {}), 10000, 2000);
 }
 
 TEST(MemoryPolicyTest, SmallerOfMachineAndGroupIsAvailable) {
-  ExpectStatus(ToMemoryStatus(Machine(), false, {9999, kUnlimited, kUnlimited}), 9999, 2000);
-  ExpectStatus(ToMemoryStatus(Machine(), false, {10000, kUnlimited, kUnlimited}), 10000, 2000);
-  ExpectStatus(ToMemoryStatus(Machine(), false, {10001, kUnlimited, kUnlimited}), 10000, 2000);
-  ExpectStatus(ToMemoryStatus(Machine(), false, {0, kUnlimited, kUnlimited}), 0, 2000);
+  ExpectStatus(ToMemoryStatus(Machine(), {}, {9999, kUnlimited, kUnlimited}), 9999, 2000);
+  ExpectStatus(ToMemoryStatus(Machine(), {}, {10000, kUnlimited, kUnlimited}), 10000, 2000);
+  ExpectStatus(ToMemoryStatus(Machine(), {}, {10001, kUnlimited, kUnlimited}), 10000, 2000);
+  ExpectStatus(ToMemoryStatus(Machine(), {}, {0, kUnlimited, kUnlimited}), 0, 2000);
 }
 
 TEST(MemoryPolicyTest, SwapLimitOfGroupCapsSwapLeft) {
-  ExpectStatus(ToMemoryStatus(Machine(), false, {4000, 1999, kUnlimited}), 4000, 1999);
-  ExpectStatus(ToMemoryStatus(Machine(), false, {4000, 2001, kUnlimited}), 4000, 2000);
-  ExpectStatus(ToMemoryStatus(Machine(), false, {kUnlimited, 0, kUnlimited}), 10000, 0);
+  ExpectStatus(ToMemoryStatus(Machine(), {}, {4000, 1999, kUnlimited}), 4000, 1999);
+  ExpectStatus(ToMemoryStatus(Machine(), {}, {4000, 2001, kUnlimited}), 4000, 2000);
+  ExpectStatus(ToMemoryStatus(Machine(), {}, {kUnlimited, 0, kUnlimited}), 10000, 0);
 }
 
 TEST(MemoryPolicyTest, CommonLimitLeavesSwapBeyondRam) {
-  ExpectStatus(ToMemoryStatus(Machine(), false, {4000, kUnlimited, 5000}), 4000, 1000);
-  ExpectStatus(ToMemoryStatus(Machine(), false, {4000, kUnlimited, 4000}), 4000, 0);
-  ExpectStatus(ToMemoryStatus(Machine(), false, {4000, kUnlimited, 9000}), 4000, 2000);
+  ExpectStatus(ToMemoryStatus(Machine(), {}, {4000, kUnlimited, 5000}), 4000, 1000);
+  ExpectStatus(ToMemoryStatus(Machine(), {}, {4000, kUnlimited, 4000}), 4000, 0);
+  ExpectStatus(ToMemoryStatus(Machine(), {}, {4000, kUnlimited, 9000}), 4000, 2000);
 }
 
 // Swap that was used while the machine was short of RAM counts against the common limit.
 TEST(MemoryPolicyTest, CommonLimitMayBeTighterThanMemoryLimit) {
-  ExpectStatus(ToMemoryStatus(Machine(), false, {4000, kUnlimited, 3000}), 3000, 0);
+  ExpectStatus(ToMemoryStatus(Machine(), {}, {4000, kUnlimited, 3000}), 3000, 0);
 }
 
 // Version 1 lets the group swap when the machine is short, up to the limit on both.
 TEST(MemoryPolicyTest, MachineMayBeTighterThanCommonLimit) {
-  ExpectStatus(ToMemoryStatus(Machine(), false, {11000, kUnlimited, 11000}), 10000, 1000);
+  ExpectStatus(ToMemoryStatus(Machine(), {}, {11000, kUnlimited, 11000}), 10000, 1000);
 }
 
-TEST(MemoryPolicyTest, FullGroupThatDoesNotSwapHasOnlyRam) {
-  ExpectStatus(ToMemoryStatus(Machine(), false, {4000, kUnlimited, kUnlimited, false}), 4000, 0);
-  ExpectStatus(ToMemoryStatus(Machine(), true, {4000, kUnlimited, kUnlimited, false}), 4000, 0);
-}
-
-TEST(MemoryPolicyTest, FullMachineSwapsEvenIfGroupsDoNot) {
-  ExpectStatus(ToMemoryStatus(Machine(), false, {10000, kUnlimited, kUnlimited, false}), 10000,
-               2000);
+TEST(MemoryPolicyTest, ProcessThatIsNotSwappedHasOnlyRam) {
+  for (const bool strict : {false, true}) {
+    const MemorySettings settings = {strict, /*swaps=*/false};
+    ExpectStatus(ToMemoryStatus(Machine(), settings, {4000, kUnlimited, kUnlimited}), 4000, 0);
+  }
+  ExpectStatus(ToMemoryStatus(Machine(), {false, /*swaps=*/false}), 10000, 0);
 }
 
 TEST(MemoryPolicyTest, StrictOvercommitLeavesRestOfCommitLimit) {
-  ExpectStatus(ToMemoryStatus(Machine(), true), 7000, 0);
+  ExpectStatus(ToMemoryStatus(Machine(), kStrict), 7000, 0);
   Meminfo machine = Machine();
   machine.committed = 0;
-  ExpectStatus(ToMemoryStatus(machine, true), 10000, 2000);
-  machine.commit_limit = 20000;  // more than there is
-  ExpectStatus(ToMemoryStatus(machine, true), 10000, 10000);
+  ExpectStatus(ToMemoryStatus(machine, kStrict), 10000, 2000);
+  machine.committed = 1000;
+  ExpectStatus(ToMemoryStatus(machine, kStrict), 10000, 1000);
+}
+
+// vm.overcommit_ratio above 100, or RAM that holds what was never committed, such as ramfs.
+TEST(MemoryPolicyTest, CommitLimitAboveRamAndSwapIsBackedBySwapAlone) {
+  Meminfo machine = Machine();
+  machine.commit_limit = 20000;
+  ExpectStatus(ToMemoryStatus(machine, kStrict), 10000, 2000);
+  machine.swap_free = 0;
+  ExpectStatus(ToMemoryStatus(machine, kStrict), 10000, 0);
 }
 
 TEST(MemoryPolicyTest, StrictOvercommitBoundsGroup) {
-  ExpectStatus(ToMemoryStatus(Machine(), true, {8000, kUnlimited, kUnlimited}), 7000, 0);
-  ExpectStatus(ToMemoryStatus(Machine(), true, {6500, kUnlimited, kUnlimited}), 6500, 500);
-  ExpectStatus(ToMemoryStatus(Machine(), true, {6500, 100, kUnlimited}), 6500, 100);
+  ExpectStatus(ToMemoryStatus(Machine(), kStrict, {8000, kUnlimited, kUnlimited}), 7000, 0);
+  ExpectStatus(ToMemoryStatus(Machine(), kStrict, {6500, kUnlimited, kUnlimited}), 6500, 500);
+  ExpectStatus(ToMemoryStatus(Machine(), kStrict, {6500, 100, kUnlimited}), 6500, 100);
 }
 
 TEST(MemoryPolicyTest, FullGroupHasOnlySwapUnderStrictOvercommit) {
-  ExpectStatus(ToMemoryStatus(Machine(), true, {1000, kUnlimited, kUnlimited}), 1000, 2000);
-  ExpectStatus(ToMemoryStatus(Machine(), true, {1000, kUnlimited, 1500}), 1000, 500);
-  ExpectStatus(ToMemoryStatus(Machine(), true, {0, 0, kUnlimited}), 0, 0);
+  ExpectStatus(ToMemoryStatus(Machine(), kStrict, {1000, kUnlimited, kUnlimited}), 1000, 2000);
+  ExpectStatus(ToMemoryStatus(Machine(), kStrict, {1000, kUnlimited, 1500}), 1000, 500);
+  ExpectStatus(ToMemoryStatus(Machine(), kStrict, {0, 0, kUnlimited}), 0, 0);
 }
 
 TEST(MemoryPolicyTest, MoreCommittedThanLimitLeavesNothing) {
   Meminfo machine = Machine();
   machine.committed = machine.commit_limit + 1;
-  ExpectStatus(ToMemoryStatus(machine, true, {1000, kUnlimited, kUnlimited}), 0, 0);
+  ExpectStatus(ToMemoryStatus(machine, kStrict, {1000, kUnlimited, kUnlimited}), 0, 0);
 }
 
 TEST(MemoryPolicyTest, TightestFigureIsTheLimit) {
   const auto limit = [](bool strict, const CgroupRoom& room) {
-    return ToMemoryStatus(Machine(), strict, room).limit;
+    return ToMemoryStatus(Machine(), strict ? kStrict : MemorySettings{}, room).limit;
   };
   EXPECT_EQ(limit(false, {}), MemoryLimit::kMachine);
   EXPECT_EQ(limit(false, {10000, kUnlimited, kUnlimited}), MemoryLimit::kMachine);
@@ -130,7 +131,9 @@ TEST(MemoryPolicyTest, FiguresDoNotWrapAround) {
       for (const std::uint64_t memory_and_swap :
            {std::uint64_t{0}, std::uint64_t{5000}, kUnlimited}) {
         for (const bool strict : {false, true}) {
-          const auto status = ToMemoryStatus(Machine(), strict, {physical, swap, memory_and_swap});
+          const MemorySettings settings = {strict, true};
+          const auto status =
+              ToMemoryStatus(Machine(), settings, {physical, swap, memory_and_swap});
           EXPECT_LE(status.available_physical, 10000U);
           EXPECT_LE(status.committable, 2000U);
           EXPECT_LE(status.available_physical + status.committable, memory_and_swap);

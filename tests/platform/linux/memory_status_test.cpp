@@ -47,13 +47,14 @@ class MemoryStatusTest : public testing::Test {
     tree_.Write("/proc/sys/vm/overcommit_memory", "0\n");
   }
 
-  void WriteMeminfo(std::uint64_t swap, std::uint64_t committed) {
+  void WriteMeminfo(std::uint64_t swap, std::uint64_t committed,
+                    std::uint64_t commit_limit = 10240) {
     const auto line = [](const std::string& name, std::uint64_t mebibytes) {
       return name + ":       " + std::to_string(mebibytes * 1024) + " kB\n";
     };
     tree_.Write("/proc/meminfo", line("MemTotal", 16384) + line("MemFree", 3413) +
                                      line("MemAvailable", 10240) + line("SwapTotal", swap) +
-                                     line("SwapFree", swap) + line("CommitLimit", 8192 + swap) +
+                                     line("SwapFree", swap) + line("CommitLimit", commit_limit) +
                                      line("Committed_AS", committed));
   }
 
@@ -210,6 +211,49 @@ TEST_F(MemoryStatusTest, StrictOvercommitInGroup) {
   ExpectStatus(1732, 512);
 }
 
+// Pages of RAM above the limit would be backed by nothing: 16384 may be committed, but there are
+// 10240 of RAM and 2048 of swap.
+TEST_F(MemoryStatusTest, CommitLimitAboveRamAndSwapIsBackedBySwapAlone) {
+  tree_.Write("/proc/sys/vm/overcommit_memory", "2\n");
+  WriteMeminfo(/*swap=*/2048, /*committed=*/0, /*commit_limit=*/16384);
+  ExpectStatus(10240, 2048);
+}
+
+TEST_F(MemoryStatusTest, Swappiness0LeavesNoSwap) {
+  tree_.Write("/proc/sys/vm/swappiness", "0\n");
+  ExpectStatus(10240, 0);
+  WriteService({512, 300});
+  ExpectStatus(212, 0);
+  tree_.Write("/proc/sys/vm/swappiness", "1\n");
+  ExpectStatus(212, 2048);
+}
+
+TEST_F(MemoryStatusTest, Swappiness0OfVersion1GroupLeavesItNoSwap) {
+  tree_.WriteGroups("3:memory:/a\n");
+  tree_.WriteMounts(MountV1("/", "/sys/fs/cgroup/memory"));
+  WriteV1("/a", {512, 300});
+  ExpectStatus(212, 2048);
+  tree_.Write("/sys/fs/cgroup/memory/a/memory.swappiness", "0\n");
+  ExpectStatus(212, 0);
+  tree_.Write("/proc/sys/vm/swappiness", "0\n");
+  tree_.Write("/sys/fs/cgroup/memory/a/memory.swappiness", "60\n");
+  ExpectStatus(212, 2048);
+}
+
+TEST_F(MemoryStatusTest, UnreadableSwappinessFails) {
+  tree_.MakeUnreadable("/proc/sys/vm/swappiness");
+  EXPECT_EQ(ReadMemoryStatus(tree_.root()), std::nullopt);
+  WriteMeminfo(/*swap=*/0, /*committed=*/6144);
+  ExpectStatus(10240, 0);
+}
+
+TEST_F(MemoryStatusTest, GroupWithoutZswapWritebackHasNoSwap) {
+  WriteService({512, 300});
+  ExpectStatus(212, 2048);
+  tree_.Write("/sys/fs/cgroup/system.slice/memory.zswap.writeback", "0\n");
+  ExpectStatus(212, 0);
+}
+
 TEST_F(MemoryStatusTest, AncestorLimitsGroupWhosePathIsTooLong) {
   tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
   WriteV2("/system.slice", {300, 0});
@@ -280,6 +324,15 @@ TEST_F(MemoryStatusTest, UnreadableStatisticsOfGroupFail) {
   WriteService({512, 300});
   tree_.MakeUnreadable("/sys/fs/cgroup/system.slice/render.service/memory.stat");
   EXPECT_EQ(ReadMemoryStatus(tree_.root()), std::nullopt);
+}
+
+TEST_F(MemoryStatusTest, OnlyOvercommitMode2IsStrict) {
+  for (const std::string mode : {"0\n", "1\n", "", "22\n", "-2\n", "x\n"}) {
+    tree_.Write("/proc/sys/vm/overcommit_memory", mode);
+    ExpectStatus(10240, 2048);
+  }
+  tree_.Write("/proc/sys/vm/overcommit_memory", "2\n");
+  ExpectStatus(4096, 0);
 }
 
 TEST_F(MemoryStatusTest, UnreadableOvercommitModeFails) {
