@@ -9,22 +9,12 @@ namespace kestrel::platform {
 
 namespace {
 
-constexpr std::uint64_t kKibibyte = 1024;  // the kernel writes "kB" for it
-
 // Returns false if the line is missing or malformed.
 bool ParseFigure(std::string_view text, std::string_view name, std::uint64_t& bytes) noexcept {
-  auto rest = FindLine(text, name);
-  if (!rest) {
-    return false;
-  }
-  rest->remove_prefix(std::min(rest->find_first_not_of(' '), rest->size()));
-  const auto kibibytes = TakeNumber(*rest);
-  if (!kibibytes || *rest != " kB" ||
-      *kibibytes > std::numeric_limits<std::uint64_t>::max() / kKibibyte) {
-    return false;
-  }
-  bytes = *kibibytes * kKibibyte;
-  return true;
+  const auto rest = FindLine(text, name);
+  const auto figure = rest ? ParseKibibytes(*rest) : std::nullopt;
+  bytes = figure.value_or(bytes);
+  return figure.has_value();
 }
 
 // Like ParseFigure, but a missing line is no error and leaves `bytes` unchanged.
@@ -34,6 +24,17 @@ bool ParseOptionalFigure(std::string_view text, std::string_view name,
 }
 
 }  // namespace
+
+std::optional<std::uint64_t> ParseKibibytes(std::string_view text) noexcept {
+  constexpr std::uint64_t kKibibyte = 1024;  // the kernel writes "kB" for it
+  text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+  const auto kibibytes = TakeNumber(text);
+  if (!kibibytes || text != " kB" ||
+      *kibibytes > std::numeric_limits<std::uint64_t>::max() / kKibibyte) {
+    return std::nullopt;
+  }
+  return *kibibytes * kKibibyte;
+}
 
 std::optional<Meminfo> ParseMeminfo(std::string_view text) noexcept {
   Meminfo meminfo;

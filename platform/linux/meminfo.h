@@ -16,6 +16,10 @@ struct Meminfo {
   std::uint64_t committed = 0;                                             // Committed_AS
 };
 
+// Parses a figure of "/proc", "<number> kB" after blanks or tabs. Returns it in bytes, or `nullopt`
+// if it is malformed or exceeds 64 bits.
+[[nodiscard]] std::optional<std::uint64_t> ParseKibibytes(std::string_view text) noexcept;
+
 // Returns `nullopt` unless every figure is on a line of its own in the kernel's format
 // ("Name: <number> kB") and fits in 64 bits, and MemAvailable does not exceed MemTotal. CommitLimit
 // and Committed_AS may be missing, which means no limit: sandboxes that implement the kernel's

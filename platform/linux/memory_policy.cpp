@@ -12,7 +12,9 @@ std::uint64_t CommitLeft(const Meminfo& meminfo, const MemorySettings& settings)
   if (!settings.strict_overcommit) {
     return std::numeric_limits<std::uint64_t>::max();
   }
-  return meminfo.commit_limit - std::min(meminfo.committed, meminfo.commit_limit);
+  const std::uint64_t usable =
+      meminfo.commit_limit - std::min(settings.commit_reserve, meminfo.commit_limit);
+  return usable - std::min(meminfo.committed, usable);
 }
 
 }  // namespace

@@ -10,8 +10,9 @@ namespace kestrel::platform {
 
 // Settings of the kernel that decide what may be committed and what is swapped.
 struct MemorySettings {
-  bool strict_overcommit = false;  // whether nothing is committed above the commit limit
-  bool swaps = true;               // whether the kernel swaps out this process's memory
+  bool strict_overcommit = false;    // whether nothing is committed above the commit limit
+  std::uint64_t commit_reserve = 0;  // bytes of the commit limit that this process may not use
+  bool swaps = true;                 // whether the kernel swaps out this process's memory
 };
 
 // Expresses the Linux figures in the terms of platform.h. The available RAM is the smallest of the

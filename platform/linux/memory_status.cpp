@@ -3,6 +3,7 @@
 #include <array>
 
 #include "platform/linux/cgroup_memory.h"
+#include "platform/linux/commit_reserve.h"
 #include "platform/linux/memory_policy.h"
 #include "platform/linux/optional_file.h"
 
@@ -21,6 +22,9 @@ void ReadOvercommit(std::string_view root, MemorySettings& settings, bool& faile
   constexpr std::uint64_t kNever = 2;  // OVERCOMMIT_NEVER, proc_sys_vm(5)
   const auto mode = ReadOptionalNumber(root, "/proc/sys/vm/overcommit_memory", failed);
   settings.strict_overcommit = mode == kNever;
+  if (settings.strict_overcommit) {
+    settings.commit_reserve = ReadCommitReserve(root, failed);
+  }
 }
 
 // With swappiness 0 processes are killed although swap is free. For a group at its limit the kernel

@@ -32,7 +32,7 @@ void ExpectStatus(const MemoryStatus& status, std::uint64_t available, std::uint
   EXPECT_EQ(status.committable, committable);
 }
 
-constexpr MemorySettings kStrict = {true, true};
+constexpr MemorySettings kStrict = {true, 0, true};
 
 TEST(MemoryPolicyTest, NoLimitGivesMachinesFigures) {
   ExpectStatus(ToMemoryStatus(Machine(), {}), 10000, 2000);
@@ -70,10 +70,10 @@ TEST(MemoryPolicyTest, MachineMayBeTighterThanCommonLimit) {
 
 TEST(MemoryPolicyTest, ProcessThatIsNotSwappedHasOnlyRam) {
   for (const bool strict : {false, true}) {
-    const MemorySettings settings = {strict, /*swaps=*/false};
+    const MemorySettings settings = {strict, 0, /*swaps=*/false};
     ExpectStatus(ToMemoryStatus(Machine(), settings, {4000, kUnlimited, kUnlimited}), 4000, 0);
   }
-  ExpectStatus(ToMemoryStatus(Machine(), {false, /*swaps=*/false}), 10000, 0);
+  ExpectStatus(ToMemoryStatus(Machine(), {false, 0, /*swaps=*/false}), 10000, 0);
 }
 
 TEST(MemoryPolicyTest, StrictOvercommitLeavesRestOfCommitLimit) {
@@ -92,6 +92,14 @@ TEST(MemoryPolicyTest, CommitLimitAboveRamAndSwapIsBackedBySwapAlone) {
   ExpectStatus(ToMemoryStatus(machine, kStrict), 10000, 2000);
   machine.swap_free = 0;
   ExpectStatus(ToMemoryStatus(machine, kStrict), 10000, 0);
+}
+
+TEST(MemoryPolicyTest, ReserveLowersCommitLimit) {
+  const auto strict = [](std::uint64_t reserve) { return MemorySettings{true, reserve, true}; };
+  ExpectStatus(ToMemoryStatus(Machine(), strict(500)), 6500, 0);
+  ExpectStatus(ToMemoryStatus(Machine(), strict(7000)), 0, 0);
+  ExpectStatus(ToMemoryStatus(Machine(), strict(12001)), 0, 0);
+  ExpectStatus(ToMemoryStatus(Machine(), {false, 500, true}), 10000, 2000);
 }
 
 TEST(MemoryPolicyTest, StrictOvercommitBoundsGroup) {
@@ -131,7 +139,7 @@ TEST(MemoryPolicyTest, FiguresDoNotWrapAround) {
       for (const std::uint64_t memory_and_swap :
            {std::uint64_t{0}, std::uint64_t{5000}, kUnlimited}) {
         for (const bool strict : {false, true}) {
-          const MemorySettings settings = {strict, true};
+          const MemorySettings settings = {strict, 0, true};
           const auto status =
               ToMemoryStatus(Machine(), settings, {physical, swap, memory_and_swap});
           EXPECT_LE(status.available_physical, 10000U);

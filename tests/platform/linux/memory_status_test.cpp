@@ -219,6 +219,18 @@ TEST_F(MemoryStatusTest, CommitLimitAboveRamAndSwapIsBackedBySwapAlone) {
   ExpectStatus(10240, 2048);
 }
 
+// The kernel keeps the smaller of 128 and 1/32 of the address space, and 8 from processes without
+// CAP_SYS_ADMIN. 10240 - 6144 are left for all.
+TEST_F(MemoryStatusTest, StrictOvercommitWithholdsReserves) {
+  tree_.Write("/proc/sys/vm/overcommit_memory", "2\n");
+  tree_.Write("/proc/sys/vm/user_reserve_kbytes", "131072\n");
+  tree_.Write("/proc/sys/vm/admin_reserve_kbytes", "8192\n");
+  tree_.Write("/proc/thread-self/status", "VmSize:\t 1048576 kB\nCapEff:\t0000000000000000\n");
+  ExpectStatus(4096 - 32 - 8, 0);
+  tree_.Write("/proc/thread-self/status", "VmSize:\t68719476736 kB\nCapEff:\t0000000000000000\n");
+  ExpectStatus(4096 - 128 - 8, 0);
+}
+
 TEST_F(MemoryStatusTest, Swappiness0LeavesNoSwap) {
   tree_.Write("/proc/sys/vm/swappiness", "0\n");
   ExpectStatus(10240, 0);
