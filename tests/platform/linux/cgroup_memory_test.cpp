@@ -77,12 +77,12 @@ TEST_F(CgroupMemoryV2Test, RoomIsLimitLessUsage) {
   EXPECT_EQ(Read().memory_and_swap, kUnlimited);
 }
 
-TEST_F(CgroupMemoryV2Test, FilePagesAndReclaimableSlabCountAsRoom) {
+TEST_F(CgroupMemoryV2Test, FilePagesAndHalfOfReclaimableSlabCountAsRoom) {
   WriteGroup("/a/b", "1000", "900");
   Write("/a/b", "stat",
         "anon 200\nfile 650\nshmem 50\ninactive_anon 240\nactive_anon 10\ninactive_file 400\n"
         "active_file 200\nunevictable 0\nslab_reclaimable 30\nslab_unreclaimable 20\nslab 50\n");
-  EXPECT_EQ(Read().physical, 730U);
+  EXPECT_EQ(Read().physical, 715U);
 }
 
 TEST_F(CgroupMemoryV2Test, MissingSlabFigureCountsAsZero) {

@@ -115,8 +115,8 @@ class MemoryStatusTest : public testing::Test {
   MachineTree tree_;
 };
 
-// The group of a container: 512 - (300 - 120 - 60 - 8), and 512 - 40 of swap.
-constexpr Group kContainer = {512, 300, 120, 60, 8, 512, 40};
+// The group of a container: 512 - (300 - 120 - 60 - 16 / 2), and 512 - 40 of swap.
+constexpr Group kContainer = {512, 300, 120, 60, 16, 512, 40};
 
 TEST_F(MemoryStatusTest, ContainerOnVersion2InItsOwnNamespace) {
   tree_.WriteGroups("0::/\n");
@@ -142,24 +142,24 @@ TEST_F(MemoryStatusTest, ContainerOnVersion1) {
   ExpectStatus(392, 156);
 }
 
-// The pod is the tightest group: 1280 - (900 - 70 - 50 - 10). Its container would have 1532.
+// The pod is the tightest group: 1280 - (900 - 70 - 50 - 20 / 2). Its container would have 1532.
 TEST_F(MemoryStatusTest, PodIsTighterThanItsContainer) {
   WriteMeminfo(/*swap=*/0, /*committed=*/6144);
   tree_.WriteGroups("0::/kubepods.slice/pod0c5a.slice/cri-7c1f.scope\n");
   tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
   WriteV2("/kubepods.slice", {15360, 4096, 700, 200, 80});
-  WriteV2("/kubepods.slice/pod0c5a.slice", {1280, 900, 70, 50, 10, 0});
+  WriteV2("/kubepods.slice/pod0c5a.slice", {1280, 900, 70, 50, 20, 0});
   WriteV2("/kubepods.slice/pod0c5a.slice/cri-7c1f.scope", {2048, 600, 50, 30, 4, 0});
   ExpectStatus(510, 0);
 }
 
-// Only the user's slice has limits: 4096 - (3072 - 700 - 200 - 60), and 1024 - 256 of swap.
+// Only the user's slice has limits: 4096 - (3072 - 700 - 200 - 120 / 2), and 1024 - 256 of swap.
 // The process's own group uses twice its memory.high.
 TEST_F(MemoryStatusTest, SliceLimitsThrottledGroup) {
   tree_.WriteGroups("0::/user.slice/user-1000.slice/user@1000.service/app.slice/shell.scope\n");
   tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
   WriteV2("/user.slice", {{}, 2048, 500, 100});
-  WriteV2("/user.slice/user-1000.slice", {4096, 3072, 700, 200, 60, 1024, 256});
+  WriteV2("/user.slice/user-1000.slice", {4096, 3072, 700, 200, 120, 1024, 256});
   WriteV2("/user.slice/user-1000.slice/user@1000.service", {{}, 2048, 500, 100});
   WriteV2("/user.slice/user-1000.slice/user@1000.service/app.slice", {{}, 2048, 500, 100});
   const std::string own = "/user.slice/user-1000.slice/user@1000.service/app.slice/shell.scope";
@@ -181,7 +181,7 @@ TEST_F(MemoryStatusTest, HybridMachineWithMemoryOnVersion1) {
   ExpectStatus(704, 0);
 }
 
-// 1024 - (400 - 50 - 30 - 2).
+// 1024 - (400 - 50 - 30 - 4 / 2).
 TEST_F(MemoryStatusTest, HybridMachineWithMemoryOnVersion2) {
   WriteMeminfo(/*swap=*/0, /*committed=*/6144);
   tree_.WriteGroups(
@@ -189,7 +189,7 @@ TEST_F(MemoryStatusTest, HybridMachineWithMemoryOnVersion2) {
   tree_.WriteMounts(
       MountV2("/", "/sys/fs/cgroup/unified") +
       "32 30 0:28 / /sys/fs/cgroup/systemd rw - cgroup cgroup rw,xattr,name=systemd\n");
-  WriteV2("/unified/render.service", {1024, 400, 50, 30, 2});
+  WriteV2("/unified/render.service", {1024, 400, 50, 30, 4});
   ExpectStatus(706, 0);
 }
 
@@ -203,11 +203,11 @@ TEST_F(MemoryStatusTest, LimitBelowUsageLeavesNothing) {
   ExpectStatus(0, 0);
 }
 
-// 2048 - (500 - 120 - 60 - 4). 3072 may still be committed.
+// 2048 - (500 - 120 - 60 - 8 / 2). 3072 may still be committed.
 TEST_F(MemoryStatusTest, StrictOvercommitInGroup) {
   WriteMeminfo(/*swap=*/2048, /*committed=*/7168);
   tree_.Write("/proc/sys/vm/overcommit_memory", "2\n");
-  WriteService({2048, 500, 120, 60, 4, 512});
+  WriteService({2048, 500, 120, 60, 8, 512});
   ExpectStatus(1732, 512);
 }
 
@@ -264,6 +264,12 @@ TEST_F(MemoryStatusTest, GroupWithoutZswapWritebackHasNoSwap) {
   ExpectStatus(212, 2048);
   tree_.Write("/sys/fs/cgroup/system.slice/memory.zswap.writeback", "0\n");
   ExpectStatus(212, 0);
+}
+
+// Entries of open files and tmpfs are in the slab, but stay.
+TEST_F(MemoryStatusTest, HalfOfReclaimableSlabCounts) {
+  WriteService({512, 300, 0, 0, 100});
+  ExpectStatus(262, 2048);
 }
 
 TEST_F(MemoryStatusTest, AncestorLimitsGroupWhosePathIsTooLong) {
@@ -366,15 +372,15 @@ void ExpectRecordedStatus(const std::string& machine, std::uint64_t total_kibiby
   EXPECT_EQ(group.view(), root + "/sys/fs/cgroup/box");
 }
 
-// Limit less usage, plus file pages and the reclaimable slab.
+// Limit less usage, plus file pages and half of the reclaimable slab.
 TEST(RecordedMachineTest, Linux61UnderLoad) {
   ExpectRecordedStatus("linux_6_1", 2026000,
-                       268435456U - (197386240U - 115310592U - 8192U - 12994096U));
+                       268435456U - (197386240U - 115310592U - 8192U - 12994096U / 2));
 }
 
 TEST(RecordedMachineTest, Linux612UnderLoad) {
   ExpectRecordedStatus("linux_6_12", 2020704,
-                       268435456U - (199331840U - 114036736U - 8192U - 12853656U));
+                       268435456U - (199331840U - 114036736U - 8192U - 12853656U / 2));
 }
 
 TEST(RecordedMachineTest, MachineWithoutFilesHasNoStatus) {
