@@ -103,17 +103,15 @@ std::uint64_t Headroom(std::uint64_t limit, std::uint64_t usage,
   return SaturatingSubtract(limit, SaturatingSubtract(usage, reclaimable));
 }
 
-// With memory.zswap.writeback 0 (Linux 6.8 and later) the group's pages stay in the compressed pool
-// in RAM and never reach the swap device. The setting of an ancestor holds for its descendants.
+// memory.zswap.writeback exists since Linux 6.8. The setting of an ancestor holds for its
+// descendants.
 void NarrowSwapByV2(GroupReader& group, CgroupRoom& room) noexcept {
   const auto limit = group.Limit("/memory.swap.max");
   const auto usage = limit ? group.Number("/memory.swap.current") : std::nullopt;
   if (usage) {
     room.swap = std::min(room.swap, SaturatingSubtract(*limit, *usage));
   }
-  if (group.Number("/memory.zswap.writeback") == 0U) {
-    room.swap = 0;
-  }
+  room.zswap_writeback = room.zswap_writeback && group.Number("/memory.zswap.writeback") != 0U;
 }
 
 // Only memory.max and memory.swap.max are limits. A process above memory.high or memory.swap.high

@@ -19,6 +19,7 @@ struct CgroupRoom {
   std::uint64_t swap = kUnlimited;             // swap alone; limited by version 2
   std::uint64_t memory_and_swap = kUnlimited;  // RAM and swap in one counter; limited by version 1
   std::optional<std::uint64_t> swappiness = std::nullopt;  // of the own group; version 1 only
+  bool zswap_writeback = true;  // whether zswap may write pages to the swap device; version 2
 
   // RAM that the groups allow, by whichever of their limits is tighter.
   [[nodiscard]] std::uint64_t Memory() const noexcept {

@@ -27,15 +27,25 @@ void ReadOvercommit(std::string_view root, MemorySettings& settings, bool& faile
   }
 }
 
+bool IsZswapEnabled(std::string_view root, bool& failed) noexcept {
+  std::array<char, 4> buffer;
+  const auto text = ReadOptionalFile(root, "/sys/module/zswap/parameters/enabled", buffer.data(),
+                                     buffer.size(), failed);
+  return text == "Y\n";
+}
+
 // With swappiness 0 processes are killed although swap is free. For a group at its limit the kernel
 // swaps nothing then. When the machine itself is out of RAM, the multi-generational LRU swaps
 // nothing either, and the classic LRU starts too late: with 128 MiB of free swap, Linux 6.1
 // and 6.12 killed processes after 2 to 9 MiB.
+//
+// Pages that zswap may not write back stay in its pool, which is in RAM and counts against the
+// group's limit. Without zswap they go to the swap device whatever the groups say.
 bool ReadSwaps(std::string_view root, const CgroupRoom& room, bool& failed) noexcept {
   const auto swappiness = room.swappiness
                               ? room.swappiness
                               : ReadOptionalNumber(root, "/proc/sys/vm/swappiness", failed);
-  return swappiness != 0U;
+  return swappiness != 0U && (room.zswap_writeback || !IsZswapEnabled(root, failed));
 }
 
 }  // namespace

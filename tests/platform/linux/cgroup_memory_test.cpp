@@ -222,13 +222,13 @@ TEST_F(CgroupMemoryV2Test, SwapFilesAreNotReadWithoutSwap) {
   EXPECT_EQ(room->physical, 900U);
 }
 
-TEST_F(CgroupMemoryV2Test, GroupWithoutZswapWritebackHasNoSwap) {
+TEST_F(CgroupMemoryV2Test, AnyLevelForbidsZswapWriteback) {
+  EXPECT_TRUE(Read().zswap_writeback);
   for (const std::string group : {"/a/b", "/a", ""}) {
-    Write(group, "zswap.writeback", "1\n");
-    EXPECT_EQ(Read().swap, kUnlimited) << group;
     Write(group, "zswap.writeback", "0\n");
-    EXPECT_EQ(Read().swap, 0U) << group;
-    tree_.Remove("/cg" + group + "/memory.zswap.writeback");
+    EXPECT_FALSE(Read().zswap_writeback) << group;
+    Write(group, "zswap.writeback", "1\n");
+    EXPECT_TRUE(Read().zswap_writeback) << group;
   }
 }
 

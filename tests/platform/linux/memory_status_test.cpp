@@ -259,11 +259,16 @@ TEST_F(MemoryStatusTest, UnreadableSwappinessFails) {
   ExpectStatus(10240, 0);
 }
 
-TEST_F(MemoryStatusTest, GroupWithoutZswapWritebackHasNoSwap) {
+TEST_F(MemoryStatusTest, ForbiddenZswapWritebackLeavesNoSwapWithZswap) {
   WriteService({512, 300});
+  tree_.Write("/sys/module/zswap/parameters/enabled", "Y\n");
   ExpectStatus(212, 2048);
   tree_.Write("/sys/fs/cgroup/system.slice/memory.zswap.writeback", "0\n");
   ExpectStatus(212, 0);
+  tree_.Write("/sys/module/zswap/parameters/enabled", "N\n");
+  ExpectStatus(212, 2048);
+  tree_.Remove("/sys/module/zswap/parameters/enabled");
+  ExpectStatus(212, 2048);
 }
 
 // Entries of open files and tmpfs are in the slab, but stay.
