@@ -4,7 +4,7 @@
 # host's headers and an import library made here.
 #
 # Provides HIP::headers (to compile with) and HIP::runtime (to link with), and sets HIP_FOUND,
-# HIP_INCLUDE_DIR and HIP_LIBRARY.
+# HIP_INCLUDE_DIR and HIP_LIBRARY. The component `headers` requires no runtime.
 
 set(_hip_roots "${HIP_ROOT}" "$ENV{HIP_ROOT}" "${ROCM_PATH}" "$ENV{ROCM_PATH}" "${HIP_PATH}"
                "$ENV{HIP_PATH}")
@@ -37,9 +37,14 @@ if(MINGW AND NOT _hip_root AND NOT HIP_LIBRARY)
 endif()
 
 include(FindPackageHandleStandardArgs)
+set(_hip_required HIP_LIBRARY HIP_INCLUDE_DIR)
+if(HIP_FIND_COMPONENTS STREQUAL "headers")
+  set(_hip_required HIP_INCLUDE_DIR)
+  set(HIP_headers_FOUND ON)
+endif()
 find_package_handle_standard_args(
   HIP
-  REQUIRED_VARS HIP_LIBRARY HIP_INCLUDE_DIR
+  REQUIRED_VARS ${_hip_required}
   REASON_FAILURE_MESSAGE
     "The AMD HIP runtime's headers and library are needed. ${_hip_searched} On Debian and Ubuntu install the package libamdhip64-dev, elsewhere install AMD's ROCm (on Windows its HIP SDK) and set HIP_ROOT to its folder.")
 
@@ -47,7 +52,8 @@ if(HIP_FOUND AND NOT TARGET HIP::headers)
   add_library(HIP::headers INTERFACE IMPORTED)
   target_include_directories(HIP::headers INTERFACE "${HIP_INCLUDE_DIR}")
   target_compile_definitions(HIP::headers INTERFACE __HIP_PLATFORM_AMD__)
-
+endif()
+if(HIP_FOUND AND HIP_LIBRARY AND NOT TARGET HIP::runtime)
   add_library(HIP::runtime UNKNOWN IMPORTED)
   set_target_properties(HIP::runtime PROPERTIES IMPORTED_LOCATION "${HIP_LIBRARY}")
   target_link_libraries(HIP::runtime INTERFACE HIP::headers)

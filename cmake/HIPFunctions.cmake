@@ -12,6 +12,14 @@ function(kestrelcore_hip_properties_function result header)
   set(${result} "${name}" PARENT_SCOPE)
 endfunction()
 
+# Sets `result` to the functions that the library calls, by the names in the HIP headers in
+# `include_dir`.
+function(kestrelcore_hip_calls result include_dir)
+  kestrelcore_hip_properties_function(properties "${include_dir}/hip/hip_runtime_api.h")
+  set(${result} hipGetDeviceCount ${properties} hipGetErrorString hipMemGetInfo hipSetDevice
+      PARENT_SCOPE)
+endfunction()
+
 # Sets `result` to the version of the HIP headers in `include_dir`, for instance 5.2.
 function(kestrelcore_hip_version result include_dir)
   foreach(part MAJOR MINOR)

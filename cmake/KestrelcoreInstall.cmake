@@ -18,7 +18,7 @@ endforeach()
 install(FILES "${kestrelcore_include_dir}/kestrelcore/kestrelcore_export.h"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrelcore" COMPONENT development)
 install(FILES LICENSE CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT runtime)
-if(NOT WIN32)
+if(NOT WIN32 AND KESTRELCORE_HIP STREQUAL "linked")
   # A HIP outside the folders that the loader searches stays where it was found.
   cmake_path(GET HIP_LIBRARY PARENT_PATH hip_folder)
   if(NOT hip_folder IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES)
@@ -29,6 +29,14 @@ endif()
 
 install(EXPORT kestrelcoreTargets NAMESPACE kestrelcore:: DESTINATION "${kestrelcore_package_dir}"
         COMPONENT development)
+set(kestrelcore_needs_hip OFF)
+if(kestrelcore_type STREQUAL "STATIC" AND KESTRELCORE_HIP STREQUAL "linked")
+  # Programs that link the archive link HIP, so the package finds it as this build did.
+  set(kestrelcore_needs_hip ON)
+  install(FILES cmake/FindHIP.cmake cmake/HIPFunctions.cmake cmake/HIPImportLibrary.cmake
+                cmake/HostHeaders.cmake DESTINATION "${kestrelcore_package_dir}"
+          COMPONENT development)
+endif()
 configure_package_config_file(
   cmake/kestrelcoreConfig.cmake.in "${PROJECT_BINARY_DIR}/kestrelcoreConfig.cmake"
   INSTALL_DESTINATION "${kestrelcore_package_dir}")

@@ -53,21 +53,41 @@ function(kestrelcore_add_native_test source)
                                  kestrelcore_native_test_support)
 endfunction()
 
-# How programs reach a HIP runtime: on Linux, by a folder that is searched first. Windows looks
-# beside the program first, so there the tests run copies in a folder with the simulated runtime,
-# apart from where other tests would find it.
+# The shared library with the other HIP binding, linked from the same objects, to run the same tests
+# over both.
+set(kestrelcore_other_binding lazy)
+if(KESTRELCORE_HIP STREQUAL "lazy")
+  set(kestrelcore_other_binding linked)
+endif()
+set(kestrelcore_other_folder "${PROJECT_BINARY_DIR}/tests/${kestrelcore_other_binding}")
+add_library(kestrelcore_other SHARED)
+kestrelcore_assemble(kestrelcore_other ${kestrelcore_other_binding})
+set_target_properties(
+  kestrelcore_other PROPERTIES LIBRARY_OUTPUT_DIRECTORY "${kestrelcore_other_folder}"
+                               RUNTIME_OUTPUT_DIRECTORY "${kestrelcore_other_folder}"
+                               ARCHIVE_OUTPUT_DIRECTORY "${kestrelcore_other_folder}")
+
+# How programs reach a HIP runtime: on Linux, by a folder that is searched first. Windows looks next
+# to the program first, so there the tests run copies in a folder with the simulated runtime, apart
+# from where other tests would find it.
 if(WIN32)
   set(kestrelcore_run_folder "${PROJECT_BINARY_DIR}/tests/run")
+  set(kestrelcore_other_run_folder "${PROJECT_BINARY_DIR}/tests/run-${kestrelcore_other_binding}")
   set(kestrelcore_simulated_runtime "")
   set(kestrelcore_harness "${kestrelcore_run_folder}/$<TARGET_FILE_NAME:kestrel-harness>")
   add_custom_target(
     kestrelcore_fill_run_folder ALL
     COMMAND "${CMAKE_COMMAND}" -E make_directory "${kestrelcore_run_folder}"
+            "${kestrelcore_other_run_folder}"
     COMMAND
       "${CMAKE_COMMAND}" -E copy_if_different "$<TARGET_FILE:kestrel-harness>"
       "$<TARGET_FILE:kestrelcore>" "$<TARGET_FILE:every_call>" "$<TARGET_FILE:kestrel_simulator>"
       "${kestrelcore_run_folder}"
-    DEPENDS kestrel-harness kestrelcore every_call kestrel_simulator
+    COMMAND
+      "${CMAKE_COMMAND}" -E copy_if_different "$<TARGET_FILE:kestrel-harness>"
+      "$<TARGET_FILE:kestrelcore_other>" "$<TARGET_FILE:kestrel_simulator>"
+      "${kestrelcore_other_run_folder}"
+    DEPENDS kestrel-harness kestrelcore kestrelcore_other every_call kestrel_simulator
     VERBATIM)
 
   # A suite over the shared library or the harness, run in that folder with a simulated card.
@@ -92,14 +112,9 @@ endif()
 
 # Adds a test that compares all output of a program with the file EXPECTED. RUNTIME is the folder of
 # the HIP runtime and HIP_VERSION its version, by default those of the simulated runtime; MACHINE is the
-# machine that it simulates.
+# machine that it simulates. The harness is run over both bindings.
 function(kestrelcore_add_output_test name)
   cmake_parse_arguments(arg "" "PROGRAM;MACHINE;EXPECTED;RUNTIME;HIP_VERSION" "ARGUMENTS" ${ARGN})
-  if(WIN32)
-    set(program "${kestrelcore_run_folder}/$<TARGET_FILE_NAME:${arg_PROGRAM}>")
-  else()
-    set(program "$<TARGET_FILE:${arg_PROGRAM}>")
-  endif()
   if(NOT arg_RUNTIME)
     set(arg_RUNTIME "${kestrelcore_simulated_runtime}")
   endif()
@@ -110,9 +125,27 @@ function(kestrelcore_add_output_test name)
   if(arg_HIP_VERSION VERSION_GREATER_EQUAL 5.3)
     set(statuses "${PROJECT_SOURCE_DIR}/simulator/statuses.inc")
   endif()
+  set(program "$<TARGET_FILE:${arg_PROGRAM}>")
+  if(WIN32)
+    set(program "${kestrelcore_run_folder}/$<TARGET_FILE_NAME:${arg_PROGRAM}>")
+  endif()
+  kestrelcore_add_one_output_test(${name} "${program}" "${arg_RUNTIME}")
+  if(arg_PROGRAM STREQUAL "kestrel-harness")
+    if(WIN32)
+      set(program "${kestrelcore_other_run_folder}/$<TARGET_FILE_NAME:${arg_PROGRAM}>")
+    else()
+      string(PREPEND arg_RUNTIME "${kestrelcore_other_folder}:")
+    endif()
+    kestrelcore_add_one_output_test(${name}.${kestrelcore_other_binding} "${program}"
+                                    "${arg_RUNTIME}")
+  endif()
+endfunction()
+
+# The rest of the arguments is that of the caller.
+function(kestrelcore_add_one_output_test name program runtime)
   set(run ${CMAKE_CROSSCOMPILING_EMULATOR} "${program}" ${arg_ARGUMENTS})
   add_test(NAME ${name}
-           COMMAND "${CMAKE_COMMAND}" "-DRUN=${run}" "-DRUNTIME=${arg_RUNTIME}"
+           COMMAND "${CMAKE_COMMAND}" "-DRUN=${run}" "-DRUNTIME=${runtime}"
                    "-DMACHINE=${arg_MACHINE}" "-DEXPECTED=${arg_EXPECTED}"
                    "-DACTUAL=${CMAKE_CURRENT_BINARY_DIR}/${name}.actual" "-DSTATUSES=${statuses}" -P
                    "${PROJECT_SOURCE_DIR}/tests/check_output.cmake")
