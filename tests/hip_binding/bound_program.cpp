@@ -1,7 +1,7 @@
 // A program over the lazy binding, which runs the steps that its arguments name:
 //
 //   count       prints what hipGetDeviceCount returns
-//   survey      makes the calls of a survey, and prints the name of the last device
+//   survey      prints how many GPUs SurveyGpus finds, and the name of the last
 //   calls       prints which functions of the bound runtime were called
 //   threads     makes the first call in eight threads at once
 //   report      prints which candidates that exist were passed over, and the file that was bound
@@ -11,7 +11,6 @@
 //   current     prints its current device
 //   remove=FILE removes that file
 
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -21,6 +20,7 @@
 #include <vector>
 
 #include "hip_binding/binding_report.h"
+#include "system/gpu_survey.h"
 #include "tests/hip_binding/operations.h"
 
 namespace {
@@ -40,17 +40,8 @@ void Count() {
 }
 
 void Survey() {
-  int count = 0;
-  static_cast<void>(hipGetDeviceCount(&count));
-  std::array<char, 2048> record{};
-  for (int device = 0; device < count; ++device) {
-    std::size_t free = 0;
-    std::size_t total = 0;
-    static_cast<void>(hipGetDeviceProperties(record.data(), device));
-    static_cast<void>(hipSetDevice(device));
-    static_cast<void>(hipMemGetInfo(&free, &total));
-  }
-  std::cout << record.data() << '\n';
+  const auto [result, gpus] = kestrel::system::SurveyGpus();
+  std::cout << gpus.size() << " GPUs, last " << (gpus.empty() ? "none" : gpus.back().name) << '\n';
 }
 
 void CallInThreads() {

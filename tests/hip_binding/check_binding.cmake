@@ -9,6 +9,7 @@
 #           another processor
 # WORK      the folder to make and run in; it holds the runtimes and the program
 # ELSEWHERE if set, the program is in a folder of its own within it
+# MACHINE   the machine file of a simulated runtime, if any
 # EXPECTED  a regular expression for all that the program writes
 
 cmake_minimum_required(VERSION 3.25)
@@ -59,6 +60,9 @@ endif()
 cmake_path(GET PROGRAM FILENAME name)
 file(COPY_FILE "${PROGRAM}" "${folder}/${name}")
 set(ENV{LD_LIBRARY_PATH} "${folder}")
+unset(ENV{HIP_VISIBLE_DEVICES})
+unset(ENV{ROCR_VISIBLE_DEVICES})
+set(ENV{KESTREL_SIM_MACHINE} "${MACHINE}")
 run("${CMAKE_COMMAND}" -E chdir "${WORK}" ${EMULATOR} "${folder}/${name}" ${STEPS})
 string(REPLACE "\r\n" "\n" output "${output}")
 if(NOT output MATCHES "^${EXPECTED}\n$")
