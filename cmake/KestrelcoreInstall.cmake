@@ -46,6 +46,9 @@ install(FILES "${PROJECT_BINARY_DIR}/kestrelcoreConfig.cmake"
               "${PROJECT_BINARY_DIR}/kestrelcoreConfigVersion.cmake"
         DESTINATION "${kestrelcore_package_dir}" COMPONENT development)
 
+if(KESTRELCORE_BUILD_C)
+  include(KestrelcoreCInstall)
+endif()
 if(KESTRELCORE_BUILD_HARNESS)
   install(TARGETS kestrel-harness RUNTIME COMPONENT harness)
   install(FILES LICENSE THIRD_PARTY_LICENSES DESTINATION "${CMAKE_INSTALL_DOCDIR}"

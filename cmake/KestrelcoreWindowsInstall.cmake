@@ -31,4 +31,9 @@ foreach(licence IN LISTS runtime_licences)
   string(REGEX MATCH "^(.*)=(.*)$" licence "${licence}")
   kestrelcore_install_runtime_file("${CMAKE_MATCH_2}" "${CMAKE_INSTALL_BINDIR}/licenses"
                                    "${CMAKE_MATCH_1}")
+  if(KESTRELCORE_BUILD_C)
+    # kestrelcore-c.dll holds parts of that runtime.
+    install(FILES "${CMAKE_MATCH_2}" DESTINATION "${CMAKE_INSTALL_BINDIR}/licenses"
+            RENAME "${CMAKE_MATCH_1}" COMPONENT c)
+  endif()
 endforeach()
