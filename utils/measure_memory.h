@@ -16,8 +16,8 @@ long long MeasureProcessUsedRam(int pid, DiagnosticSink sink) noexcept;
 // MemoryObserver::willFailToAllocate
 bool PredictAllocationFailure(long long bytes, DiagnosticSink sink) noexcept;
 
-// By how many bytes an allocation exceeds what the system can provide; 0 if it fits. This is the
-// rule of PredictAllocationFailure.
+// Returns by how many bytes an allocation exceeds what the system can provide; 0 if it fits. This
+// is the rule of PredictAllocationFailure.
 std::uint64_t MissingBytes(std::uint64_t bytes,
                            const kestrel::platform::MemoryStatus& status) noexcept;
 
