@@ -1,14 +1,16 @@
 #include "simulator/machine_file.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <fstream>
 #include <initializer_list>
-#include <iterator>
 #include <limits>
 #include <optional>
 #include <utility>
 
+#include "simulator/machine_text.h"
 #include "simulator/operations.h"
 #include "simulator/statuses.h"
 #include "simulator/toml.h"
@@ -19,12 +21,31 @@ namespace {
 
 constexpr std::int64_t kMaxInt = std::numeric_limits<int>::max();
 constexpr std::int64_t kMaxBytes = std::numeric_limits<std::int64_t>::max();
-constexpr std::int64_t kMaxDevices = 1024;   // in one entry
-constexpr std::size_t kMaxTextLength = 256;  // the field in the properties record
+constexpr std::int64_t kMaxDevices = 1024;                  // in one entry
+constexpr std::size_t kMaxFileSize = std::size_t{1} << 20;  // bytes
+constexpr std::size_t kMaxTextLength = 256;                 // the field in the properties record
 
 [[noreturn]] void Refuse(const toml::source_region& where, const std::string& complaint) {
   throw MachineFileError(*where.path + ":" + std::to_string(where.begin.line) + ":" +
                          std::to_string(where.begin.column) + ": " + complaint);
+}
+
+// Replaces each control character, of ASCII or of the block U+0080 to U+009F, by its value.
+std::string WithoutControlCharacters(const std::string& text) {
+  constexpr const char* kDigits = "0123456789abcdef";
+  std::string printable;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const bool in_block =
+        byte == 0xc2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xa0;
+    if (byte >= 0x20 && byte != 0x7f && !in_block) {
+      printable += text[i];
+      continue;
+    }
+    const auto value = in_block ? static_cast<unsigned char>(text[++i]) : byte;
+    printable += {'\\', 'x', kDigits[value >> 4U], kDigits[value & 0xfU]};
+  }
+  return printable;
 }
 
 std::string Quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
@@ -181,17 +202,35 @@ Machine MachineFrom(const toml::table& table) {
 
 }  // namespace
 
+MachineFileError::MachineFileError(const std::string& text)
+    : std::runtime_error(WithoutControlCharacters(text)) {}
+
 Machine ReadMachineFile(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  file.peek();  // a folder can be opened, but not read
-  if (file.fail()) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) {
     throw MachineFileError(path + ": cannot be read");
   }
-  const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  if ((status.st_mode & S_IFMT) != S_IFREG) {
+    throw MachineFileError(path + ": is no regular file");
+  }
+  std::ifstream file(path, std::ios::binary);
+  std::string text(kMaxFileSize + 1, '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  if (!file.is_open() || file.bad()) {
+    throw MachineFileError(path + ": cannot be read");
+  }
+  text.resize(static_cast<std::size_t>(file.gcount()));
+  if (text.size() > kMaxFileSize) {
+    throw MachineFileError(path + ": is larger than 1 MiB");
+  }
   return ParseMachine(text, path);
 }
 
 Machine ParseMachine(std::string_view text, const std::string& path) {
+  if (const auto problem = FindTextProblem(text)) {
+    throw MachineFileError(path + ":" + std::to_string(problem->line) + ":" +
+                           std::to_string(problem->column) + ": " + problem->message);
+  }
   try {
     return MachineFrom(toml::parse(text, path));
   } catch (const toml::parse_error& error) {

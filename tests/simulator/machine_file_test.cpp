@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <fstream>
 #include <string>
 
 namespace kestrel::tests {
@@ -179,15 +181,55 @@ TEST(MachineFileTest, FaultOfUncountedDeviceIsRefused) {
   EXPECT_EQ(ComplaintAbout("claimed_device_count = 2\n" + Fault(fault)), "");
 }
 
-TEST(MachineFileTest, UnreadableFileIsNamed) {
-  for (const std::string path : {"no such file.toml", "."}) {
-    try {
-      static_cast<void>(ReadMachineFile(path));
-      FAIL() << path;
-    } catch (const MachineFileError& error) {
-      EXPECT_EQ(error.what(), path + ": cannot be read");
-    }
+TEST(MachineFileTest, TextThatTheParserCannotTakeIsRefused) {
+  EXPECT_EQ(ComplaintAbout("[[+x]]\n"), "m.toml:1:3: a table header must begin with a key");
+  EXPECT_EQ(ComplaintAbout(kDevice + "\xc9\x96"),
+            "m.toml:7:1: only a string or a comment may contain this character");
+}
+
+TEST(MachineFileTest, KeyOfManyPartsIsRefused) {
+  std::string key = "a";
+  for (int i = 0; i < 200'000; ++i) {
+    key += ".a";
   }
+  EXPECT_EQ(ComplaintAbout(key + " = 1\n"), "m.toml:1:34: too many dots in one line");
+}
+
+TEST(MachineFileTest, ControlCharactersAreNotRepeated) {
+  EXPECT_EQ(ComplaintAbout("\"a\\u001b[31m\\u007f\\u009b\\u00e9\" = 1\n"),
+            "m.toml:1:1: unknown key 'a\\x1b[31m\\x7f\\x9b\u00e9'");
+}
+
+std::string ComplaintAboutFile(const std::string& path) {
+  try {
+    static_cast<void>(ReadMachineFile(path));
+    return "";
+  } catch (const MachineFileError& error) {
+    return error.what();
+  }
+}
+
+TEST(MachineFileTest, MissingFileIsRefused) {
+  EXPECT_EQ(ComplaintAboutFile("no such file.toml"), "no such file.toml: cannot be read");
+}
+
+TEST(MachineFileTest, FolderIsRefused) {
+  EXPECT_EQ(ComplaintAboutFile("."), ".: is no regular file");
+}
+
+TEST(MachineFileTest, FileOfMoreThanAMebibyteIsRefused) {
+  const std::string path = "machine_file_test_large.toml";
+  std::ofstream(path, std::ios::binary) << "device = []\n" << std::string(1 << 20, '#');
+  EXPECT_EQ(ComplaintAboutFile(path), path + ": is larger than 1 MiB");
+  std::remove(path.c_str());
+}
+
+TEST(MachineFileTest, FileOfAMebibyteIsRead) {
+  const std::string path = "machine_file_test_largest.toml";
+  const std::string text = "device = []\n";
+  std::ofstream(path, std::ios::binary) << text << std::string((1 << 20) - text.size(), '#');
+  EXPECT_EQ(ComplaintAboutFile(path), "");
+  std::remove(path.c_str());
 }
 
 }  // namespace
