@@ -307,7 +307,7 @@ enum {
 };
 
 /// Bytes of `kestrel_forecast.limit_group`, its NUL included.
-#define KESTREL_PATH_SIZE 4096
+#define KESTREL_PATH_SIZE 1024
 
 /// What would become of an allocation.
 typedef struct kestrel_forecast {

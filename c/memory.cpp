@@ -1,3 +1,4 @@
+#include <cstring>
 #include <limits>
 #include <optional>
 
@@ -41,13 +42,28 @@ uint64_t SpareBytes(uint64_t bytes, const platform::MemoryStatus& status) noexce
   return left > kMost - status.committable ? kMost : left + status.committable;
 }
 
-kestrel_forecast Forecast(uint64_t bytes, const platform::MemoryStatus& status) noexcept {
+int32_t LimitOf(platform::MemoryLimit limit) noexcept {
+  switch (limit) {
+    case platform::MemoryLimit::kMachine:
+      return KESTREL_LIMIT_MACHINE;
+    case platform::MemoryLimit::kMemoryGroup:
+      return KESTREL_LIMIT_GROUP;
+    case platform::MemoryLimit::kCommitLimit:
+      return KESTREL_LIMIT_COMMIT;
+  }
+  return KESTREL_LIMIT_UNKNOWN;
+}
+
+kestrel_forecast Forecast(uint64_t bytes, const platform::MemoryStatus& status,
+                          const platform::GroupDirectory& directory) noexcept {
   kestrel_forecast forecast{};
   forecast.missing = kestrel_utils::MissingBytes(bytes, status);
   forecast.spare = forecast.missing > 0 ? 0 : SpareBytes(bytes, status);
   forecast.outcome = forecast.missing > 0 ? KESTREL_FORECAST_FAILS : KESTREL_FORECAST_FITS;
   forecast.available = status.available_physical;
   forecast.committable = status.committable;
+  forecast.limit = LimitOf(status.limit);
+  CopyText(directory.data(), std::strlen(directory.data()), forecast.limit_group);
   return forecast;
 }
 
@@ -105,9 +121,10 @@ kestrel_status kestrel_memory_forecast(uint64_t bytes, kestrel_forecast* forecas
     if (!IsRecord(forecast)) {
       return ReportInvalid(result, "forecast is null, or its struct_size is not set");
     }
-    const auto status = kestrel::platform::QueryMemoryStatus();
+    kestrel::platform::GroupDirectory directory{};
+    const auto status = kestrel::platform::QueryMemoryLimit(directory);
     WriteRecord(forecast, forecast->struct_size,
-                status ? Forecast(bytes, *status) : kestrel_forecast{});
+                status ? Forecast(bytes, *status, directory) : kestrel_forecast{});
     return status ? ReportSuccess(result)
                   : Report(result, KESTREL_MEMORY_QUERY_FAILED, kNoMemoryStatus);
   });

@@ -19,7 +19,7 @@ inline constexpr std::size_t kFirstSize<kestrel_cpu> = 16;
 template <>
 inline constexpr std::size_t kFirstSize<kestrel_gpu> = 616;
 template <>
-inline constexpr std::size_t kFirstSize<kestrel_forecast> = 4144;
+inline constexpr std::size_t kFirstSize<kestrel_forecast> = 1072;
 
 // Far above any record to come: a larger `struct_size` was never set.
 inline constexpr std::size_t kLargestSize = 65536;

@@ -63,7 +63,7 @@ class ForecastRecord(ctypes.Structure):
         ("missing", ctypes.c_uint64),
         ("available", ctypes.c_uint64),
         ("committable", ctypes.c_uint64),
-        ("limit_group", ctypes.c_char * 4096),
+        ("limit_group", ctypes.c_char * 1024),
     ]
 
 

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "c/kestrelcore.h"
+#include "platform/platform.h"
 #include "tests/c/records.h"
 #include "tests/fakes/cerr_recorder.h"
 #include "tests/fakes/platform_fake.h"
@@ -107,8 +108,25 @@ TEST_F(MemoryTest, SpareBytesBeyondTheLargestNumberAreTheLargestNumber) {
   EXPECT_EQ(forecast_.spare, kHuge);
 }
 
+TEST_F(MemoryTest, ForecastNamesTheLimitThatDecides) {
+  ASSERT_EQ(kestrel_memory_forecast(1, &forecast_, &result_), KESTREL_OK);
+  EXPECT_EQ(forecast_.limit, KESTREL_LIMIT_MACHINE);
+  EXPECT_STREQ(forecast_.limit_group, "");
+  Platform().memory.limit = platform::MemoryLimit::kCommitLimit;
+  ASSERT_EQ(kestrel_memory_forecast(1, &forecast_, &result_), KESTREL_OK);
+  EXPECT_EQ(forecast_.limit, KESTREL_LIMIT_COMMIT);
+}
+
+TEST_F(MemoryTest, ForecastNamesTheGroupWhoseLimitDecides) {
+  Platform().memory.limit = platform::MemoryLimit::kMemoryGroup;
+  Platform().group_directory = "/sys/fs/cgroup/render.service";
+  ASSERT_EQ(kestrel_memory_forecast(1, &forecast_, &result_), KESTREL_OK);
+  EXPECT_EQ(forecast_.limit, KESTREL_LIMIT_GROUP);
+  EXPECT_STREQ(forecast_.limit_group, "/sys/fs/cgroup/render.service");
+}
+
 TEST_F(MemoryTest, ForecastIsUnknownIfTheSystemDoesNotReportItsFigures) {
-  Platform().Fail("QueryMemoryStatus");
+  Platform().Fail("QueryMemoryLimit");
   forecast_.available = 77;
   EXPECT_EQ(kestrel_memory_forecast(1, &forecast_, &result_), KESTREL_MEMORY_QUERY_FAILED);
   EXPECT_EQ(forecast_.outcome, KESTREL_FORECAST_UNKNOWN);

@@ -86,6 +86,8 @@ def test_forecast_says_by_how_much():
     small = kestrelcore.memory_forecast(0)
     assert small.fits and small.missing == 0
     assert small.spare == small.available + small.committable
+    assert small.limit is not kestrelcore.Limit.UNKNOWN
+    assert (small.limit_group != "") == (small.limit is kestrelcore.Limit.GROUP)
     large = kestrelcore.memory_forecast(2**64 - 1)
     assert not large.fits and large.spare == 0
     assert large.missing == 2**64 - 1 - large.available - large.committable

@@ -104,7 +104,8 @@ static void ForecastAllocations(void) {
   status = kestrel_memory_forecast(UINT64_MAX, &forecast, &result);
   ReportRelation("kestrel_memory_forecast", status,
                  forecast.outcome == KESTREL_FORECAST_FAILS && forecast.spare == 0 &&
-                     forecast.missing == UINT64_MAX - forecast.available - forecast.committable);
+                     forecast.missing == UINT64_MAX - forecast.available - forecast.committable &&
+                     forecast.limit != KESTREL_LIMIT_UNKNOWN);
 }
 
 static void MeasureProcesses(void) {
