@@ -30,7 +30,7 @@ bool HasSysAdmin(std::string_view capabilities) noexcept {
 }
 
 // The capability counts in the machine's first user namespace only. Others have maps of all ids
-// too, so only the inode tells them apart.
+// too, so only the inode identifies the first one.
 bool IsInFirstUserNamespace(std::string_view root) noexcept {
   constexpr ino_t kFirstNamespace = 0xEFFFFFFD;  // PROC_USER_INIT_INO, include/linux/proc_ns.h
   PathBuffer path;
