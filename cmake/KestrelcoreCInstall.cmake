@@ -26,12 +26,4 @@ install(FILES "${PROJECT_BINARY_DIR}/kestrelcoreConfig.cmake"
               "${PROJECT_BINARY_DIR}/kestrelcoreConfigVersion.cmake"
         DESTINATION "${kestrelcore_package_dir}" COMPONENT c-development)
 
-# The prefix is where the file lies, so that the installed folder may be moved.
-set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
-file(RELATIVE_PATH kestrelcore_prefix_from_pkgconfig "/prefix/${pkgconfig_dir}" /prefix)
-string(REGEX REPLACE "/$" "" kestrelcore_prefix_from_pkgconfig
-                     "${kestrelcore_prefix_from_pkgconfig}")
-configure_file("${PROJECT_SOURCE_DIR}/c/kestrelcore-c.pc.in" "${PROJECT_BINARY_DIR}/kestrelcore-c.pc"
-               @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/kestrelcore-c.pc" DESTINATION "${pkgconfig_dir}"
-        COMPONENT c-development)
+kestrelcore_install_pkg_config("${PROJECT_SOURCE_DIR}/c/kestrelcore-c.pc.in" c-development)

@@ -1,6 +1,7 @@
 # What `cmake --install` lays down: the library, its headers, the CMake package, the harness.
 
 include(CMakePackageConfigHelpers)
+include(KestrelcorePkgConfig)
 
 set(kestrelcore_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kestrelcore")
 
@@ -45,6 +46,9 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/kestrelcoreConfigVersion
 install(FILES "${PROJECT_BINARY_DIR}/kestrelcoreConfig.cmake"
               "${PROJECT_BINARY_DIR}/kestrelcoreConfigVersion.cmake"
         DESTINATION "${kestrelcore_package_dir}" COMPONENT development)
+
+kestrelcore_set_pkg_config_flags()
+kestrelcore_install_pkg_config("${PROJECT_SOURCE_DIR}/cmake/kestrelcore.pc.in" development)
 
 if(KESTRELCORE_BUILD_C)
   include(KestrelcoreCInstall)
