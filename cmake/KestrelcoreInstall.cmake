@@ -53,6 +53,9 @@ kestrelcore_install_pkg_config("${PROJECT_SOURCE_DIR}/cmake/kestrelcore.pc.in" d
 if(KESTRELCORE_BUILD_C)
   include(KestrelcoreCInstall)
 endif()
+if(KESTRELCORE_BUILD_COMMAND)
+  include(KestrelcoreCommandInstall)
+endif()
 if(KESTRELCORE_BUILD_HARNESS)
   install(TARGETS kestrel-harness RUNTIME COMPONENT harness)
   install(FILES LICENSE THIRD_PARTY_LICENSES DESTINATION "${CMAKE_INSTALL_DOCDIR}"

@@ -112,9 +112,10 @@ endif()
 
 # Adds a test that compares all output of a program with the file EXPECTED. RUNTIME is the folder of
 # the HIP runtime and HIP_VERSION its version, by default those of the simulated runtime; MACHINE is the
-# machine that it simulates. The harness is run over both bindings.
+# machine that it simulates; MASK is a script that masks figures of the real machine. The harness is
+# run over both bindings.
 function(kestrelcore_add_output_test name)
-  cmake_parse_arguments(arg "" "PROGRAM;MACHINE;EXPECTED;RUNTIME;HIP_VERSION" "ARGUMENTS" ${ARGN})
+  cmake_parse_arguments(arg "" "PROGRAM;MACHINE;EXPECTED;RUNTIME;HIP_VERSION;MASK" "ARGUMENTS" ${ARGN})
   if(NOT arg_RUNTIME)
     set(arg_RUNTIME "${kestrelcore_simulated_runtime}")
   endif()
@@ -147,7 +148,7 @@ function(kestrelcore_add_one_output_test name program runtime)
   add_test(NAME ${name}
            COMMAND "${CMAKE_COMMAND}" "-DRUN=${run}" "-DRUNTIME=${runtime}"
                    "-DMACHINE=${arg_MACHINE}" "-DEXPECTED=${arg_EXPECTED}"
-                   "-DACTUAL=${CMAKE_CURRENT_BINARY_DIR}/${name}.actual" "-DSTATUSES=${statuses}" -P
-                   "${PROJECT_SOURCE_DIR}/tests/check_output.cmake")
+                   "-DACTUAL=${CMAKE_CURRENT_BINARY_DIR}/${name}.actual" "-DSTATUSES=${statuses}"
+                   "-DMASK=${arg_MASK}" -P "${PROJECT_SOURCE_DIR}/tests/check_output.cmake")
   set_tests_properties(${name} PROPERTIES TIMEOUT 120)
 endfunction()

@@ -36,4 +36,9 @@ foreach(licence IN LISTS runtime_licences)
     install(FILES "${CMAKE_MATCH_2}" DESTINATION "${CMAKE_INSTALL_BINDIR}/licenses"
             RENAME "${CMAKE_MATCH_1}" COMPONENT c)
   endif()
+  if(KESTRELCORE_BUILD_COMMAND)
+    # So does kestrel.exe.
+    install(FILES "${CMAKE_MATCH_2}" DESTINATION "${CMAKE_INSTALL_BINDIR}/licenses"
+            RENAME "${CMAKE_MATCH_1}" COMPONENT command)
+  endif()
 endforeach()

@@ -10,6 +10,7 @@
 # ACTUAL    the file that the output is written to
 # STATUSES  the list of HIP's statuses, if the runtime describes a status by a sentence instead of the
 #           name that the expected text has
+# MASK      a script that masks figures of the machine in the variable `actual`
 #
 # The text consists of standard output, standard error and the exit status. If there is anything on
 # standard error, both streams follow once more as one, to show their order.
@@ -62,6 +63,9 @@ string(REGEX REPLACE "(Machine physical RAM|Free RAM)( \\.+ )[0-9]+\\.[0-9][0-9]
                      "\\1\\2(real)\n" actual "${actual}")
 string(REGEX REPLACE "(CPU Usage [^.]* \\.+ )[0-9][0-9.e+-]*%" "\\1(real)%" actual "${actual}")
 string(REGEX REPLACE "(Mem Usage [^.]* \\.+ )[0-9.]+ [KMG]B%" "\\1(real)%" actual "${actual}")
+if(MASK)
+  include("${MASK}")
+endif()
 file(WRITE "${ACTUAL}" "${actual}")
 
 set(expected "")

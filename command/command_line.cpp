@@ -1,0 +1,140 @@
+#include "command/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <utility>
+
+#include "command/amounts.h"
+#include "command/manual.h"
+#include "command/version.h"
+
+namespace kestrel::command {
+
+namespace {
+
+constexpr std::uint64_t kMaxInt = std::numeric_limits<int>::max();
+
+// What stops the reading of a command line that CLI11 accepted.
+struct Refused {
+  std::string message;
+};
+
+CLI::Option* Add(CLI::App& app, const Parameter& parameter) {
+  const std::string name =
+      parameter.letter.empty() ? parameter.name : "-" + parameter.letter + "," + parameter.name;
+  if (parameter.value.empty()) {
+    return app.add_flag(name, parameter.help);
+  }
+  CLI::Option* const option = app.add_option(name, CLI::callback_t(), parameter.help);
+  option->type_name(parameter.value == parameter.name ? "" : parameter.value);
+  option->default_str(parameter.standard);
+  if (!parameter.values.empty()) {
+    option->check(CLI::IsMember(parameter.values));
+  }
+  return option;
+}
+
+void AddSubcommand(CLI::App& app, const Subcommand& subcommand) {
+  CLI::App* const sub = app.add_subcommand(subcommand.name, subcommand.summary);
+  sub->footer("Example:\n  " + subcommand.example + "\n  " + subcommand.example_meaning + ".");
+  for (const Parameter& argument : subcommand.arguments) {
+    Add(*sub, argument)->required(argument.name == "SIZE");
+  }
+  for (const Parameter& option : subcommand.options) {
+    if (option.name != "--help") {  // CLI11 adds that itself
+      Add(*sub, option);
+    }
+  }
+}
+
+// The text of a value, also where it is the standard one.
+std::string Value(const CLI::App& app, const std::string& name) {
+  const CLI::Option* const option = app.get_option(name);
+  return option->count() > 0 ? option->results().front() : option->get_default_str();
+}
+
+SurveyRequest ReadSurvey(const CLI::App& app) {
+  constexpr std::array<std::pair<const char*, SurveyFormat>, 4> kFormats = {
+      {{"text", SurveyFormat::kText},
+       {"json", SurveyFormat::kJson},
+       {"prometheus", SurveyFormat::kPrometheus},
+       {"labels", SurveyFormat::kLabels}}};
+  const std::string name = Value(app, "--format");
+  const auto* const format = std::find_if(kFormats.begin(), kFormats.end(),
+                                          [&](const auto& entry) { return entry.first == name; });
+  return {format->second};
+}
+
+FitsRequest ReadFits(const CLI::App& app) {
+  FitsRequest request;
+  const std::string size = Value(app, "SIZE");
+  const auto bytes = ParseSize(size);
+  if (!bytes) {
+    throw Refused{"SIZE '" + size +
+                  "' is not a number of bytes below 2^64, such as 800MB, 1.5G or 24GiB"};
+  }
+  request.bytes = *bytes;
+  request.vram = app.count("--vram") > 0;
+  if (app.count("--device") > 0 && !request.vram) {
+    throw Refused{"--device needs --vram"};
+  }
+  const std::string device = Value(app, "--device");
+  const auto number = ParseNumber(device, kMaxInt);
+  if (!number) {
+    throw Refused{"--device '" + device + "' is not the number of a GPU, from 0"};
+  }
+  request.device = static_cast<int>(*number);
+  return request;
+}
+
+Request Read(const CLI::App& app) {
+  const std::string& name = app.get_name();
+  if (name == "survey") {
+    return ReadSurvey(app);
+  }
+  return ReadFits(app);
+}
+
+// The texts of CLI11 may have several lines.
+Refusal Refuse(const CLI::App& app, std::string message) {
+  std::replace(message.begin(), message.end(), '\n', ' ');
+  const auto chosen = app.get_subcommands();
+  const std::string command =
+      chosen.empty() ? app.get_name() : app.get_name() + " " + chosen.front()->get_name();
+  return {command + ": " + message + " (see '" + command + " --help')"};
+}
+
+void Fill(CLI::App& app) {
+  app.set_help_flag("-h,--help", "Print this help and end");
+  app.set_version_flag("--version", std::string("kestrel ") + kVersion,
+                       "Print the version and end");
+  app.require_subcommand(1);
+  for (const Subcommand& subcommand : KestrelManual().subcommands) {
+    AddSubcommand(app, subcommand);
+  }
+  app.footer("'kestrel SUBCOMMAND --help' describes a subcommand.");
+}
+
+}  // namespace
+
+Request ParseCommandLine(std::vector<std::string> arguments) {
+  CLI::App app(KestrelManual().summary, KestrelManual().program);
+  Fill(app);
+  std::reverse(arguments.begin(), arguments.end());  // CLI11 takes them from the end
+  try {
+    app.parse(std::move(arguments));
+    return Read(*app.get_subcommands().front());
+  } catch (const CLI::CallForHelp&) {
+    return TextRequest{app.help()};
+  } catch (const CLI::CallForVersion&) {
+    return TextRequest{app.version() + "\n"};
+  } catch (const CLI::ParseError& error) {
+    return Refuse(app, error.what());
+  } catch (const Refused& refused) {
+    return Refuse(app, refused.message);
+  }
+}
+
+}  // namespace kestrel::command

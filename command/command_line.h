@@ -1,0 +1,39 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace kestrel::command {
+
+enum class SurveyFormat : std::uint8_t { kText, kJson, kPrometheus, kLabels };
+
+struct SurveyRequest {
+  SurveyFormat format = SurveyFormat::kText;
+};
+
+struct FitsRequest {
+  std::uint64_t bytes = 0;
+  bool vram = false;
+  int device = 0;  // asked if `vram`
+};
+
+// A text that was asked for: help or the version.
+struct TextRequest {
+  std::string text;
+};
+
+// A wrong command line.
+struct Refusal {
+  std::string message;  // one line: what is wrong, and what is allowed
+};
+
+using Request = std::variant<SurveyRequest, FitsRequest, TextRequest, Refusal>;
+
+// Reads the arguments that follow the program's name.
+Request ParseCommandLine(std::vector<std::string> arguments);
+
+}  // namespace kestrel::command

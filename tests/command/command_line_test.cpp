@@ -1,0 +1,99 @@
+#include "command/command_line.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "command/manual.h"
+
+namespace kestrel::tests {
+namespace {
+
+using command::ParseCommandLine;
+using command::SurveyFormat;
+
+template <typename Request>
+Request Parse(const std::vector<std::string>& arguments) {
+  const auto request = ParseCommandLine(arguments);
+  if (const auto* refusal = std::get_if<command::Refusal>(&request)) {
+    ADD_FAILURE() << refusal->message;
+  }
+  return std::get<Request>(request);
+}
+
+std::string RefusalOf(const std::vector<std::string>& arguments) {
+  const auto request = ParseCommandLine(arguments);
+  const auto* refusal = std::get_if<command::Refusal>(&request);
+  return refusal == nullptr ? "accepted" : refusal->message;
+}
+
+TEST(CommandLineTest, SurveyTakesEachFormat) {
+  EXPECT_EQ(Parse<command::SurveyRequest>({"survey"}).format, SurveyFormat::kText);
+  EXPECT_EQ(Parse<command::SurveyRequest>({"survey", "--format", "json"}).format,
+            SurveyFormat::kJson);
+  EXPECT_EQ(Parse<command::SurveyRequest>({"survey", "--format=prometheus"}).format,
+            SurveyFormat::kPrometheus);
+  EXPECT_EQ(Parse<command::SurveyRequest>({"survey", "--format", "labels"}).format,
+            SurveyFormat::kLabels);
+}
+
+TEST(CommandLineTest, FitsTakesASizeAndADevice) {
+  const auto ram = Parse<command::FitsRequest>({"fits", "1K"});
+  EXPECT_EQ(ram.bytes, 1024U);
+  EXPECT_FALSE(ram.vram);
+  const auto vram = Parse<command::FitsRequest>({"fits", "--vram", "--device", "3", "5"});
+  EXPECT_TRUE(vram.vram);
+  EXPECT_EQ(vram.device, 3);
+  EXPECT_EQ(Parse<command::FitsRequest>({"fits", "5", "--vram"}).device, 0);
+}
+
+TEST(CommandLineTest, HelpOfEverySubcommandHasItsExample) {
+  for (const auto& subcommand : command::KestrelManual().subcommands) {
+    const auto help = Parse<command::TextRequest>({subcommand.name, "--help"}).text;
+    EXPECT_NE(help.find(subcommand.summary), std::string::npos) << help;
+    EXPECT_NE(help.find(subcommand.example), std::string::npos) << help;
+    for (const auto& option : subcommand.options) {
+      EXPECT_NE(help.find(option.name), std::string::npos) << help;
+      EXPECT_NE(help.find(option.help), std::string::npos) << help;
+    }
+  }
+}
+
+TEST(CommandLineTest, HelpOfTheProgramListsEverySubcommand) {
+  const auto help = Parse<command::TextRequest>({"--help"}).text;
+  for (const auto& subcommand : command::KestrelManual().subcommands) {
+    EXPECT_NE(help.find("  " + subcommand.name + " "), std::string::npos) << help;
+  }
+}
+
+TEST(CommandLineTest, VersionIsOneLine) {
+  const auto text = Parse<command::TextRequest>({"--version"}).text;
+  EXPECT_EQ(text.find("kestrel "), 0U);
+  EXPECT_EQ(text.find('\n'), text.size() - 1);
+}
+
+TEST(CommandLineTest, RefusalSaysInOneLineWhatIsWrongAndWhatIsAllowed) {
+  EXPECT_EQ(RefusalOf({}), "kestrel: A subcommand is required (see 'kestrel --help')");
+  EXPECT_EQ(RefusalOf({"survey", "--format", "xml"}),
+            "kestrel survey: --format: xml not in {text,json,prometheus,labels} (see 'kestrel "
+            "survey --help')");
+  EXPECT_EQ(RefusalOf({"fits"}), "kestrel fits: SIZE is required (see 'kestrel fits --help')");
+  EXPECT_EQ(RefusalOf({"fits", "many"}),
+            "kestrel fits: SIZE 'many' is not a number of bytes below 2^64, such as 800MB, 1.5G or "
+            "24GiB (see 'kestrel fits --help')");
+  EXPECT_EQ(RefusalOf({"fits", "1", "--device", "1"}),
+            "kestrel fits: --device needs --vram (see 'kestrel fits --help')");
+  EXPECT_EQ(RefusalOf({"fits", "1", "--vram", "--device", "x"}),
+            "kestrel fits: --device 'x' is not the number of a GPU, from 0 (see 'kestrel fits "
+            "--help')");
+  for (const auto& arguments : std::vector<std::vector<std::string>>{
+           {"nope"}, {"survey", "extra"}, {"survey", "-z"}, {"fits", "1", "2"}, {"fits", "-1"}}) {
+    EXPECT_EQ(RefusalOf(arguments).find("kestrel"), 0U);
+    EXPECT_EQ(RefusalOf(arguments).find('\n'), std::string::npos);
+  }
+}
+
+}  // namespace
+}  // namespace kestrel::tests

@@ -1,0 +1,24 @@
+#!/bin/sh
+# Output that cannot be written is an error status: a full disk, and a reader that has gone.
+set -u
+
+fail() {
+  echo "$1" >&2
+  exit 1
+}
+
+kestrel=$1
+errors=$("$kestrel" --help 2>&1 >/dev/full)
+[ $? -eq 74 ] || fail "a full disk gives another status"
+[ "$errors" = "kestrel: the output could not be written: No space left on device" ] ||
+  fail "a full disk gives: $errors"
+
+# The reader ends before the program begins to write.
+status=$({
+  {
+    sleep 1
+    "$kestrel" --help 2>/dev/null
+    echo $? >&4
+  } | true
+} 4>&1)
+[ "$status" = 74 ] || fail "a closed pipe gives the status $status"

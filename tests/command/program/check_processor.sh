@@ -1,0 +1,37 @@
+#!/bin/sh
+# check_processor.sh EMULATOR MODEL PROGRAM: what needs AVX2 says so, the rest does its work.
+set -u
+
+emulator=$1
+model=$2
+kestrel=$3
+
+run() {
+  expected=$1
+  shift
+  output=$("$emulator" -cpu "$model" "$kestrel" "$@" 2>&1)
+  status=$?
+  if [ "$status" -ne "$expected" ]; then
+    echo "kestrel $*: status $status instead of $expected: $output" >&2
+    exit 1
+  fi
+}
+
+# The emulator may have written warnings before it.
+says_why() {
+  case "$output" in
+    *"$sentence") ;;
+    *)
+      echo "no reason in: $output" >&2
+      exit 1
+      ;;
+  esac
+}
+
+sentence="kestrel: this processor lacks AVX2, or the operating system has not enabled it"
+run 70 survey
+says_why
+run 2 fits 1
+says_why
+run 0 --help
+run 64 survey --format xml
