@@ -32,9 +32,12 @@ function(kestrelcore_add_test name)
   cmake_parse_arguments(arg "" "PREFIX" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE kestrelcore_test_common GTest::gtest_main ${arg_LIBRARIES})
-  gtest_discover_tests(
-    ${name} TEST_PREFIX "${arg_PREFIX}" DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
-    PROPERTIES TIMEOUT 120)
+  set(prefix "")
+  if(arg_PREFIX)
+    set(prefix TEST_PREFIX "${arg_PREFIX}")  # newer CMakes warn of an empty one
+  endif()
+  gtest_discover_tests(${name} ${prefix} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
+                       PROPERTIES TIMEOUT 120)
 endfunction()
 
 # A suite over the portable logic, the fake operating system and the simulated GPUs; named after
