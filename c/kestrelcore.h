@@ -36,7 +36,7 @@
 
 /// The version of this header. `kestrel_version()` returns that of the library.
 #define KESTREL_VERSION_MAJOR 0
-#define KESTREL_VERSION_MINOR 1
+#define KESTREL_VERSION_MINOR 2
 #define KESTREL_VERSION_PATCH 0
 #define KESTREL_VERSION \
   ((KESTREL_VERSION_MAJOR << 16) | (KESTREL_VERSION_MINOR << 8) | KESTREL_VERSION_PATCH)
