@@ -22,6 +22,8 @@ list(LENGTH expected count)
 if(count EQUAL 0 OR NOT actual STREQUAL expected)
   list(JOIN actual "\n  " actual)
   list(JOIN expected "\n  " expected)
-  message(FATAL_ERROR "Exported:\n  ${actual}\nExpected:\n  ${expected}")
+  message(FATAL_ERROR "Exported:\n  ${actual}\nExpected:\n  ${expected}\nAn added name needs a line in "
+                      "tests/package/exports.txt, a removed one another SOVERSION, too: "
+                      "docs/compatibility.md")
 endif()
 message("${count} names, as expected")
