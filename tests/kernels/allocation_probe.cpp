@@ -10,7 +10,6 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
-#include <utils/memory_observer.h>
 
 #include <algorithm>
 #include <array>
@@ -19,55 +18,24 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <random>
 #include <string>
 #include <string_view>
+
+#include "tests/platform/linux/forecast_threshold.h"
 
 namespace kestrel::tests {
 namespace {
 
 constexpr std::uint64_t kMebibyte = std::uint64_t{1} << 20;
-constexpr std::size_t kPageSize = 4096;
 
 // Exit codes that tests/kernels/run.sh knows. Shells and failing commands use smaller ones.
 constexpr int kLived = 0;
 constexpr int kRefused = 10;
 constexpr int kNotSetUp = 11;
 
-// The smallest size, to a page, of which the forecast says that it will fail.
-std::uint64_t FindThreshold() {
-  const kestrel_utils::MemoryObserver observer;
-  long long lives = 0;
-  long long fails = 1LL << 50;
-  while (fails - lives > static_cast<long long>(kPageSize)) {
-    const long long middle = lives + (fails - lives) / 2;
-    (observer.willFailToAllocate(middle) ? fails : lives) = middle;
-  }
-  return static_cast<std::uint64_t>(fails);
-}
-
 char* Map(std::uint64_t bytes, int protection, int flags) {
   void* const memory = mmap(nullptr, bytes, protection, flags | MAP_ANONYMOUS, -1, 0);
   return memory == MAP_FAILED ? nullptr : static_cast<char*>(memory);
-}
-
-// A page is compressed to about the random part of it.
-int Use(std::uint64_t bytes, std::uint64_t random_percent) {
-  char* const memory = Map(bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE);
-  if (memory == nullptr) {
-    return kRefused;
-  }
-  const std::size_t random_size = kPageSize / 100 * random_percent;
-  std::mt19937_64 generator;
-  for (std::uint64_t offset = 0; offset < bytes; offset += kPageSize) {
-    static_cast<volatile char*>(memory)[offset] = 1;
-    for (std::size_t place = 0; place + sizeof(std::uint64_t) <= random_size;
-         place += sizeof(std::uint64_t)) {
-      const std::uint64_t number = generator();
-      std::memcpy(memory + offset + place, &number, sizeof(number));
-    }
-  }
-  return kLived;
 }
 
 bool Lock(std::uint64_t mebibytes) {
@@ -141,7 +109,7 @@ int Run(int argc, char** argv) {
   const std::uint64_t threshold = FindThreshold();
   std::printf("%llu\n", static_cast<unsigned long long>(threshold));
   std::fflush(stdout);
-  return Use(threshold / 100 * percent, random_percent);
+  return AllocateAndUse(threshold / 100 * percent, random_percent) ? kLived : kRefused;
 }
 
 }  // namespace

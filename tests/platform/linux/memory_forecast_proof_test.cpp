@@ -24,6 +24,7 @@
 #include <vector>
 
 #include "tests/platform/linux/control_group.h"
+#include "tests/platform/linux/forecast_threshold.h"
 
 namespace kestrel::tests {
 namespace {
@@ -31,36 +32,11 @@ namespace {
 using kestrel_utils::MemoryObserver;
 
 constexpr std::uint64_t kMebibyte = std::uint64_t{1} << 20;
-constexpr std::uint64_t kLimit = 256 * kMebibyte;
+constexpr std::uint64_t kLimit = 128 * kMebibyte;
 
 constexpr int kLived = 0;
 constexpr int kRefused = 2;
 constexpr int kNotSetUp = 3;
-
-// Returns the smallest size, to a page, that is predicted to fail.
-std::uint64_t FindThreshold() {
-  const MemoryObserver observer;
-  long long lives = 0;
-  long long fails = 1LL << 50;
-  while (fails - lives > 4096) {
-    const long long middle = lives + (fails - lives) / 2;
-    (observer.willFailToAllocate(middle) ? fails : lives) = middle;
-  }
-  return static_cast<std::uint64_t>(fails);
-}
-
-// Allocates the memory and writes to every page; does not return if the kernel kills the process.
-int Touch(std::uint64_t bytes) {
-  void* const memory =
-      mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (memory == MAP_FAILED) {
-    return kRefused;
-  }
-  for (std::uint64_t offset = 0; offset < bytes; offset += 4096) {
-    static_cast<volatile char*>(memory)[offset] = 1;
-  }
-  return kLived;
-}
 
 // What a process does in its group before it searches for the threshold.
 using Preparation = bool (*)();
@@ -84,7 +60,7 @@ int RunInGroup(const ControlGroup& group, Preparation prepare, std::uint64_t per
   if (write(output, &report, sizeof(report)) != sizeof(report)) {
     return kNotSetUp;
   }
-  return Touch(report.touched);
+  return AllocateAndUse(report.touched) ? kLived : kRefused;
 }
 
 std::string Fate(int status) {
@@ -146,7 +122,7 @@ bool IsOnDisk(const char* directory) {
          system.f_type != RAMFS_MAGIC;
 }
 
-constexpr std::uint64_t kSharedSize = 100 * kMebibyte;
+constexpr std::uint64_t kSharedSize = 50 * kMebibyte;
 
 // Shared memory is in the page cache too, but cannot be reclaimed without swap.
 bool FillSharedMemory() {
