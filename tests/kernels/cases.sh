@@ -599,7 +599,7 @@ case_swappable_sibling() {
 usage() { # EXPECTED PID
   echo "$1" >/tmp/expected
   sleep 1 # until the threads run
-  exec cpu_usage_probe measure "$2" 1000
+  exec cpu_usage_probe measure "$2" 2000
 }
 
 # Groups for processor time; version 1 has a hierarchy for each controller.

@@ -86,7 +86,8 @@ run_memory_case() { # CASE
   result "$1" "${threshold:--}" "$low" "$fate" "$verdict" "$(reason)"
 }
 
-# Other processes take a little of the time, so the usage need not be exact.
+# A busy host delays the machine, so the usage need not be exact. A wrong count of processors would
+# change it by a quarter or more.
 run_usage_case() { # CASE
   rm -f /tmp/expected /tmp/reason
   (
@@ -98,7 +99,7 @@ run_usage_case() { # CASE
   expected=$(cat /tmp/expected)
   verdict=$(awk -v usage="$usage" -v expected="$expected" 'BEGIN {
     ratio = usage / expected
-    print (ratio > 0.85 && ratio < 1.15 ? "right" : "WRONG")
+    print (ratio > 0.8 && ratio < 1.2 ? "right" : "WRONG")
   }')
   reset_machine
   result "usage_$1" "$usage %" "expected $expected %" - "$verdict" ""
