@@ -1,5 +1,5 @@
 # HIP for a Windows build where no HIP SDK for Windows is at hand: the host's HIP headers, and an
-# import library that names the functions that this project knows. The DLL itself comes with the
+# import library that names only the functions that the library calls. The DLL itself comes with the
 # graphics driver or the SDK of the machine that the program runs on.
 #
 # Sets HIP_INCLUDE_DIR and HIP_LIBRARY; leaves them unset if the host has no HIP headers.
@@ -15,7 +15,7 @@ function(kestrelcore_add_hip_import_library result include_dir)
   endif()
   set(KESTRELCORE_HIP_DLL "${dll}" CACHE STRING
       "The HIP runtime to bind to: amdhip64.dll, or amdhip64_6.dll for that of HIP 6")
-  kestrelcore_hip_exports(exports "${generation}")
+  kestrelcore_hip_calls(exports "${include_dir}")
   list(JOIN exports "\n" exports)
   set(definition "${CMAKE_CURRENT_BINARY_DIR}/hip-import/amdhip64.def")
   file(CONFIGURE OUTPUT "${definition}" CONTENT "LIBRARY @KESTRELCORE_HIP_DLL@\nEXPORTS\n@exports@\n"

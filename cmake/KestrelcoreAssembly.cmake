@@ -1,7 +1,5 @@
 # How the library's objects become a library, shared or static, and how that reaches HIP.
 
-include(HIPFunctions)
-
 # Adds the library's objects to `library`. `binding` is `linked`, where the loader resolves an import
 # of the HIP runtime, or `lazy`, where hip_binding/ finds a runtime at the first call.
 function(kestrelcore_assemble library binding)
@@ -40,9 +38,21 @@ function(kestrelcore_set_up_shared library objects)
   endif()
 endfunction()
 
+# HIP's header declares its functions with default visibility, so the ones of hip_binding/ would also
+# serve the HIP calls of a host that links the archive. They get out of its way.
 function(kestrelcore_set_up_archive library binding objects)
   if(binding STREQUAL "lazy")
-    kestrelcore_prelink(objects "${objects}")
+    if(NOT CMAKE_OBJCOPY OR MSVC)
+      message(FATAL_ERROR "A static library with KESTRELCORE_HIP=lazy needs the GNU linker and "
+                          "objcopy. Set BUILD_SHARED_LIBS=ON or KESTRELCORE_HIP=linked.")
+    endif()
+    set(functions hipGetDeviceCount hipGetDeviceProperties hipGetDevicePropertiesR0600
+                  hipGetErrorString hipMemGetInfo hipSetDevice)
+    if(MINGW)
+      kestrelcore_rename_in_archive(${library} "${functions}")
+    else()
+      kestrelcore_prelink(objects "${functions}" "${objects}")
+    endif()
   endif()
   target_sources(${library} PRIVATE ${objects})
   set_target_properties(${library} PROPERTIES LINKER_LANGUAGE CXX)
@@ -52,25 +62,27 @@ function(kestrelcore_set_up_archive library binding objects)
   endif()
 endfunction()
 
-# Sets `result` to one object made of `objects`, in which the HIP functions are local. HIP's header
-# declares them with default visibility, so in an archive they would otherwise also serve the HIP
-# calls of the host.
-function(kestrelcore_prelink result objects)
-  if(NOT CMAKE_OBJCOPY OR MSVC)
-    message(FATAL_ERROR "A static library with KESTRELCORE_HIP=lazy needs the GNU linker and objcopy. "
-                        "Set BUILD_SHARED_LIBS=ON or KESTRELCORE_HIP=linked.")
-  endif()
-  kestrelcore_hip_calls(functions "${HIP_INCLUDE_DIR}")
-  list(APPEND functions hipGetDeviceProperties hipGetDevicePropertiesR0600)
-  list(TRANSFORM functions PREPEND --localize-symbol= OUTPUT_VARIABLE localize)
-  set(object "${CMAKE_CURRENT_BINARY_DIR}/kestrelcore_lazy${CMAKE_CXX_OUTPUT_EXTENSION}")
+# Sets `result` to one object made of `objects`, in which `functions` are local.
+function(kestrelcore_prelink result functions objects)
+  list(TRANSFORM functions PREPEND --localize-symbol=)
+  set(object "${CMAKE_CURRENT_BINARY_DIR}/kestrelcore_lazy.o")
   add_custom_command(
     OUTPUT "${object}"
     COMMAND "${CMAKE_LINKER}" -r -o "${object}" ${objects}
-    COMMAND "${CMAKE_OBJCOPY}" ${localize} "${object}"
+    COMMAND "${CMAKE_OBJCOPY}" ${functions} "${object}"
     DEPENDS ${objects}
     COMMENT "Making the HIP functions local to the library"
     COMMAND_EXPAND_LISTS VERBATIM)
   set_source_files_properties("${object}" PROPERTIES EXTERNAL_OBJECT ON GENERATED ON)
   set(${result} "${object}" PARENT_SCOPE)
+endfunction()
+
+# The linker for Windows cannot make one object out of several: it separates functions from their unwind
+# data. So there the functions get other names.
+function(kestrelcore_rename_in_archive library functions)
+  list(TRANSFORM functions REPLACE "(.+)" "--redefine-sym=\\1=kestrelcore_\\1")
+  add_custom_command(
+    TARGET ${library} POST_BUILD
+    COMMAND "${CMAKE_OBJCOPY}" ${functions} "$<TARGET_FILE:${library}>"
+    VERBATIM)
 endfunction()

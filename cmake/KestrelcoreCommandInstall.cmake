@@ -4,4 +4,4 @@ install(TARGETS kestrel RUNTIME COMPONENT command)
 install(FILES "${PROJECT_SOURCE_DIR}/command/survey.schema.json"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/kestrelcore" COMPONENT command)
 install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" "${PROJECT_SOURCE_DIR}/THIRD_PARTY_LICENSES"
-        DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT command)
+        DESTINATION "${kestrelcore_docdir}-command" COMPONENT command)

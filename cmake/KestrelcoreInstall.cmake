@@ -1,8 +1,14 @@
 # What `cmake --install` lays down: the library, its headers, the CMake package, the harness.
 
 include(CMakePackageConfigHelpers)
+include(KestrelcoreGuard)
 include(KestrelcorePkgConfig)
 
+# As a part of a host, CMAKE_INSTALL_DOCDIR may be the host's.
+set(kestrelcore_docdir "${CMAKE_INSTALL_DATAROOTDIR}/doc/kestrelcore")
+if(PROJECT_IS_TOP_LEVEL)
+  set(kestrelcore_docdir "${CMAKE_INSTALL_DOCDIR}")
+endif()
 set(kestrelcore_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kestrelcore")
 
 install(
@@ -16,9 +22,18 @@ foreach(header IN LISTS kestrelcore_public_headers)
   install(FILES "${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrelcore/${folder}"
           COMPONENT development)
 endforeach()
-install(FILES "${kestrelcore_include_dir}/kestrelcore/kestrelcore_export.h"
+kestrelcore_standard_library_guard(standard_library_guard)
+set(installed_guards "${standard_library_guard}${kestrelcore_macro_guard}")
+generate_export_header(
+  kestrelcore EXPORT_FILE_NAME "${PROJECT_BINARY_DIR}/installed/kestrelcore_export.h.in"
+  CUSTOM_CONTENT_FROM_VARIABLE installed_guards)
+# Evaluates what depends on the configuration.
+set(installed_export_header "${PROJECT_BINARY_DIR}/installed/$<CONFIG>/kestrelcore_export.h")
+file(GENERATE OUTPUT "${installed_export_header}"
+     INPUT "${PROJECT_BINARY_DIR}/installed/kestrelcore_export.h.in")
+install(FILES "${installed_export_header}"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrelcore" COMPONENT development)
-install(FILES LICENSE CHANGELOG.md DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT runtime)
+install(FILES LICENSE CHANGELOG.md DESTINATION "${kestrelcore_docdir}" COMPONENT runtime)
 if(NOT WIN32 AND KESTRELCORE_HIP STREQUAL "linked")
   # A HIP outside the folders that the loader searches stays where it was found.
   cmake_path(GET HIP_LIBRARY PARENT_PATH hip_folder)
@@ -58,7 +73,8 @@ if(KESTRELCORE_BUILD_COMMAND)
 endif()
 if(KESTRELCORE_BUILD_HARNESS)
   install(TARGETS kestrel-harness RUNTIME COMPONENT harness)
-  install(FILES LICENSE THIRD_PARTY_LICENSES DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+  # In a folder of its own: two packages must not install the same file.
+  install(FILES LICENSE THIRD_PARTY_LICENSES DESTINATION "${kestrelcore_docdir}-harness"
           COMPONENT harness)
 endif()
 

@@ -6,7 +6,7 @@ include(CMakePackageConfigHelpers)
 set(simulator_dir "${CMAKE_INSTALL_LIBDIR}/kestrelcore/simulator")
 set(simulator_machines_dir "${CMAKE_INSTALL_DATADIR}/kestrelcore/machines")
 install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" "${PROJECT_SOURCE_DIR}/THIRD_PARTY_LICENSES"
-        DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT simulator)
+        DESTINATION "${kestrelcore_docdir}-simulator" COMPONENT simulator)
 
 set(simulator_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/kestrelcore")
 

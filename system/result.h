@@ -1,5 +1,7 @@
 #pragma once
 
+#include <kestrelcore_export.h>  // first: it refuses a macro named Success
+
 #include <cstdint>
 #include <string>
 

@@ -7,6 +7,11 @@
 
 #include "meters.h"
 
+#ifdef CONSUMER_HAS_HIP
+extern "C" int hipGetDeviceCount(int* count);
+int CallsOfOwnHip();
+#endif
+
 using namespace kestrel::system;
 
 namespace {
@@ -37,10 +42,21 @@ bool NamesAnswer() {
          GpuSoftwarePlatformToStr(GpuSoftwarePlatform::Metal) == "Metal";
 }
 
+#ifdef CONSUMER_HAS_HIP
+bool OwnHipIsLeftAlone() {
+  int count = 0;
+  const int calls_of_the_library = CallsOfOwnHip();
+  return hipGetDeviceCount(&count) == 0 && count == 77 && calls_of_the_library == 0 &&
+         CallsOfOwnHip() == 1;
+}
+#else
+bool OwnHipIsLeftAlone() { return true; }
+#endif
+
 }  // namespace
 
 int main() {
-  if (!RecordsTravel() || !NamesAnswer() || !MetersAnswer()) {
+  if (!RecordsTravel() || !NamesAnswer() || !MetersAnswer() || !OwnHipIsLeftAlone()) {
     std::cerr << "The library does not answer as a host expects.\n";
     return 1;
   }

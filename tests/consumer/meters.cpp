@@ -1,7 +1,9 @@
 #include "meters.h"
 
-#include <system/hardware_survey.h>  // both units include both interfaces: nothing clashes
-#include <utils/cpu_usage.h>
+// The other way to write the includes. Both units include both interfaces, so that names would clash.
+#include <kestrelcore/system/hardware_survey.h>
+#include <kestrelcore/utils/cpu_usage.h>
+#include <kestrelcore/utils/memory_observer.h>
 #include <utils/memory_observer.h>
 
 #include <utility>
