@@ -20,6 +20,7 @@ file(COPY "${RUNTIME}" DESTINATION "${root}/lib" FOLLOW_SYMLINK_CHAIN)
 file(CREATE_LINK "${soname}" "${root}/lib/libamdhip64.so" SYMBOLIC)
 
 set(configure "${CMAKE_COMMAND}" -S "${SOURCE}" -B "${WORK}/build" -G "${GENERATOR}"
+              -DKESTRELCORE_BUILD_C=OFF -DKESTRELCORE_BUILD_COMMAND=OFF
               -DKESTRELCORE_BUILD_SIMULATOR=OFF)
 run_expecting(1 ${configure} "-DHIP_ROOT=${WORK}/nothing")
 if(NOT output MATCHES "nothing', which")
