@@ -1,5 +1,5 @@
-/* A host in C99 that makes every call and prints what each returns. Compiled as C++, too. Figures of
-   the machine that runs the test are only compared with each other. */
+/* A host in C99 that makes every call and prints what each returns. Compiled as C++, too. Figures
+   of the machine that runs the test are only compared with each other. */
 
 #include <inttypes.h>
 #include <kestrelcore.h>

@@ -1,5 +1,5 @@
-/* A host whose header has other records than the library's: with a later header (KESTREL_LATER), every
-   record has one more field at its end. Every record is followed by guard bytes. */
+/* A host whose header has other records than the library's: with a later header (KESTREL_LATER),
+   every record has one more field at its end. Every record is followed by guard bytes. */
 
 #include <kestrelcore.h>
 #include <stdio.h>
