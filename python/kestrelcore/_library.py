@@ -11,6 +11,7 @@ from typing import Any, Callable, TypeVar
 from kestrelcore._errors import error_of
 
 _T = TypeVar("_T")
+_Record = TypeVar("_Record", bound=ctypes.Structure)
 
 OK = 0
 CAPACITY_TOO_SMALL = 2
@@ -124,9 +125,9 @@ def text(value: bytes) -> str:
     return value.decode("utf-8", "replace")
 
 
-def new(record: type[_T]) -> _T:
+def new(record: type[_Record]) -> _Record:
     """A record with its size set, as every call expects it."""
-    instance: Any = record()
+    instance = record()
     instance.struct_size = ctypes.sizeof(instance)
     return instance
 
@@ -137,7 +138,7 @@ def call(function: Any, *arguments: Any, accept: int = OK) -> int:
     Raises a `KestrelError` for any status but success and `accept`.
     """
     result = new(Result)
-    status = function(*arguments, ctypes.byref(result))
+    status: int = function(*arguments, ctypes.byref(result))
     if status not in (OK, accept):
         raise error_of(status, text(result.message))
     return status
