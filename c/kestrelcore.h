@@ -272,7 +272,7 @@ kestrel_status kestrel_process_used_ram(int32_t pid, uint64_t* bytes, kestrel_re
 /// `KESTREL_MEMORY_QUERY_FAILED`: `*bytes` is then 0. Writes nothing to standard error.
 kestrel_status kestrel_machine_physical_ram(uint64_t* bytes, kestrel_result* result);
 
-/// The physical RAM in bytes that this process could have without swapping; on Linux no more than
+/// The physical RAM in bytes that this process can get without swapping; on Linux no more than
 /// the memory limits of its container leave it. Fails as above.
 kestrel_status kestrel_available_ram(uint64_t* bytes, kestrel_result* result);
 
@@ -314,15 +314,15 @@ enum {
 /// Bytes of `kestrel_forecast.limit_group`, its NUL included.
 #define KESTREL_PATH_SIZE 1024
 
-/// What would become of an allocation.
+/// The forecast of an allocation.
 typedef struct kestrel_forecast {
   size_t struct_size;    ///< Set by the caller: `sizeof(kestrel_forecast)`.
   int32_t outcome;       ///< A `KESTREL_FORECAST_` value.
   int32_t limit;         ///< A `KESTREL_LIMIT_` value.
-  uint64_t spare;        ///< Bytes that could still be had after it, if it fits.
+  uint64_t spare;        ///< Bytes that can still be allocated after it, if it fits.
   uint64_t missing;      ///< Bytes by which it is too large, if it fails.
-  uint64_t available;    ///< Bytes of RAM that this process could have without swapping.
-  uint64_t committable;  ///< Bytes that it could have beyond those.
+  uint64_t available;    ///< Bytes of RAM that this process can get without swapping.
+  uint64_t committable;  ///< Bytes that it can get beyond those.
   /// The directory of the memory group whose limit decides; empty unless `limit` is
   /// `KESTREL_LIMIT_GROUP`.
   char limit_group[KESTREL_PATH_SIZE];

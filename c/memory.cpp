@@ -32,7 +32,7 @@ std::optional<uint64_t> FromMemoryStatus(Figure figure) noexcept {
   return status ? std::optional<uint64_t>(figure(*status)) : std::nullopt;
 }
 
-// Bytes that could still be had after an allocation that fits.
+// Bytes that can still be allocated after an allocation that fits.
 uint64_t SpareBytes(uint64_t bytes, const platform::MemoryStatus& status) noexcept {
   if (bytes > status.available_physical) {
     return status.committable - (bytes - status.available_physical);

@@ -3,7 +3,11 @@
 import os
 
 from setuptools import Distribution, setup
-from wheel.bdist_wheel import bdist_wheel
+
+try:
+    from setuptools.command.bdist_wheel import bdist_wheel  # since setuptools 70.1
+except ImportError:
+    from wheel.bdist_wheel import bdist_wheel
 
 
 class PlatformDistribution(Distribution):

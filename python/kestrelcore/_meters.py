@@ -22,7 +22,7 @@ class Memory:
     total: int
     """What the machine has, whatever limit this process runs under."""
     available: int
-    """What this process could have without swapping; on Linux no more than the limits of its
+    """What this process can get without swapping; on Linux no more than the limits of its
     container leave it."""
 
     @property
@@ -63,17 +63,17 @@ class Limit(enum.Enum):
 
 @dataclass(frozen=True)
 class Forecast:
-    """What would become of an allocation. Sizes are in bytes."""
+    """The forecast of an allocation. Sizes are in bytes."""
 
     fits: bool
     spare: int
-    """What could still be had after it, if it fits."""
+    """What can still be allocated after it, if it fits."""
     missing: int
     """By how much it is too large, if it does not fit."""
     available: int
-    """RAM that this process could have without swapping."""
+    """RAM that this process can get without swapping."""
     committable: int
-    """What it could have beyond that."""
+    """What it can get beyond that."""
     limit: Limit
     limit_group: str
     """The directory of the memory group whose limit decides; empty without one."""
