@@ -1,6 +1,7 @@
 #include "meters.h"
 
-// The other way to write the includes. Both units include both interfaces, so that names would clash.
+// The other way to write the includes. Both units include both interfaces, so that names would
+// clash.
 #include <kestrelcore/system/hardware_survey.h>
 #include <kestrelcore/utils/cpu_usage.h>
 #include <kestrelcore/utils/memory_observer.h>

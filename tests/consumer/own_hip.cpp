@@ -1,4 +1,5 @@
-// HIP functions of the host's own. A library that binds HIP itself must neither replace nor call them.
+// HIP functions of the host's own. A library that binds HIP itself must neither replace nor call
+// them.
 
 namespace {
 
