@@ -1,6 +1,7 @@
 #ifndef KESTRELCORE_H_
 #define KESTRELCORE_H_
 
+/// @file
 /// kestrelcore from C and from every language that can call C: what the machine offers to a
 /// program, and how much of it is free.
 ///

@@ -55,7 +55,7 @@ class MemoryObserver {
   [[nodiscard]] KESTRELCORE_EXPORT long long getUsedRAM() const noexcept;
 
   /// Returns the resident memory of process `pid` (WorkingSetSize on Windows, the resident pages of
-  /// /proc/<pid>/statm on Linux). Positive for the caller's own process. Returns -1
+  /// `/proc/<pid>/statm` on Linux). Positive for the caller's own process. Returns -1
   /// (`kRamMeterErrorCode`) and reports it if `pid` is below 1 or the process cannot be opened; -1
   /// without a report if its memory cannot be read.
   ///
