@@ -1,4 +1,4 @@
-# HIP for a Windows build where no HIP SDK for Windows is at hand: the host's HIP headers, and an
+# HIP for a Windows build without the HIP SDK for Windows: the HIP headers of this machine, and an
 # import library that names only the functions that the library calls. The DLL itself comes with the
 # graphics driver or the SDK of the machine that the program runs on.
 #

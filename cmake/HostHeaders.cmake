@@ -1,8 +1,7 @@
-# Header-only packages of the host, for a cross build. Their folder is the host's own /usr/include,
-# which must never stand in front of the cross compiler's headers: so the one entry that is wanted
-# is linked into a folder of its own.
+# Header-only packages of the building machine, for a cross build. They are in /usr/include, which must
+# not precede the cross compiler's headers, so each package is linked into a folder of its own.
 
-# Sets `result` to a folder that holds just `entry` of the host's include folder, or to "" if the
+# Sets `result` to a folder that contains only `entry` of the host's include folder, or to "" if the
 # host has no `header` there. `header` is `entry` itself, or a file in it.
 function(kestrelcore_host_headers result entry header)
   find_path(

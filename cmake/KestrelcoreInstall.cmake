@@ -1,4 +1,4 @@
-# What `cmake --install` lays down: the library, its headers, the CMake package, the harness.
+# The install rules of the library, its headers, the CMake package and the harness.
 
 include(CMakePackageConfigHelpers)
 include(KestrelcoreGuard)

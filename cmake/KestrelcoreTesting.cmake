@@ -33,7 +33,8 @@ if(KESTRELCORE_SANITIZERS OR MINGW)
   target_compile_options(kestrelcore_test_common INTERFACE -O0 -g1)
 endif()
 
-# One program, one ctest test a test case; PREFIX tells cases apart that several programs share.
+# Adds a test program, with one ctest test for each test case. PREFIX goes before the names of the
+# cases, for cases that several programs contain.
 function(kestrelcore_add_test name)
   cmake_parse_arguments(arg "" "PREFIX" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${arg_SOURCES})

@@ -1,13 +1,13 @@
-# Lays down beside the DLL what it and its host share: the C++ runtime of the compiler, with its
-# licences. Strings and containers cross the library's boundary, so both need the very same one.
+# Installs the C++ runtime of the compiler and its licences next to the DLL. Strings and containers
+# cross the library's boundary, so the library and its host must use the same runtime.
 
-option(KESTRELCORE_INSTALL_RUNTIME "Install the compiler's runtime DLLs beside kestrelcore.dll" ON)
+option(KESTRELCORE_INSTALL_RUNTIME "Install the compiler's runtime DLLs next to kestrelcore.dll" ON)
 if(NOT KESTRELCORE_INSTALL_RUNTIME)
   return()
 endif()
 
-# "<name when installed>=<where Debian has it>". GCC's runtime is under the GPL 3 with an exception that
-# leaves programs free; winpthreads is part of mingw-w64.
+# "<installed name>=<file on Debian>". GCC's runtime is under the GPL 3 with an exception for programs
+# that link it; winpthreads is part of mingw-w64.
 set(runtime_licences
     "gcc-runtime.txt=/usr/share/doc/gcc-mingw-w64-base/copyright"
     "gpl-3.txt=/usr/share/common-licenses/GPL-3"
@@ -17,7 +17,7 @@ function(kestrelcore_install_runtime_file file destination name)
   if(NOT IS_ABSOLUTE "${file}" OR NOT EXISTS "${file}")
     message(FATAL_ERROR "${name} of the compiler's runtime is not at '${file}'. Set "
                         "KESTRELCORE_INSTALL_RUNTIME=OFF and put the runtime's DLLs and licences "
-                        "beside kestrelcore.dll yourself.")
+                        "next to kestrelcore.dll yourself.")
   endif()
   install(FILES "${file}" DESTINATION "${destination}" RENAME "${name}" COMPONENT runtime)
 endfunction()
