@@ -3,8 +3,8 @@
 //
 //   allocation_probe PERCENT [lock=MIB] [share=MIB] [reserve=MIB] [open=COUNT] [random=PERCENT]
 //
-// Before it asks, it locks memory, fills shared memory, reserves addresses without memory, or
-// creates files in the working directory and holds them open. A part of each page that it uses is
+// Before it asks, it locks memory, fills shared memory, reserves addresses without memory, or opens
+// files "1", "2", ... in the working directory. A part of each page that it uses is
 // random, which cannot be compressed.
 
 #include <fcntl.h>
@@ -57,8 +57,8 @@ bool Reserve(std::uint64_t mebibytes) {
 }
 
 bool Open(std::uint64_t count) {
-  for (std::uint64_t file = 0; file < count; ++file) {
-    if (open(std::to_string(file).c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600) < 0) {
+  for (std::uint64_t file = 1; file <= count; ++file) {
+    if (open(std::to_string(file).c_str(), O_RDONLY | O_CLOEXEC) < 0) {
       return false;
     }
   }

@@ -28,7 +28,7 @@ reset_machine() {
   awk '$2 == "/mount" {print $2}' /proc/mounts | while read -r mount; do
     umount "$mount"
   done
-  rm -rf /disk/file /disk/files /tmp/file
+  rm -f /disk/file /tmp/file
   awk 'NR > 1 {print $1}' /proc/swaps | while read -r swap; do
     swapoff "$swap"
   done
