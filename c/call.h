@@ -8,7 +8,7 @@
 #include "c/record.h"
 
 // What every call of the C interface has in common: the checks before it, the report after it, and
-// that no exception leaves it.
+// the guard that lets no exception out.
 
 namespace kestrel::c {
 

@@ -130,7 +130,8 @@ kestrel_status GuardedSurveyCpu(kestrel_cpu* cpu, kestrel_result* result) noexce
   });
 }
 
-// Whether both surveys may begin; otherwise both are reported as failed.
+// Returns `KESTREL_OK` if both surveys may begin, otherwise the status that the call fails with. An
+// invalid argument of one survey is reported in the results of both.
 kestrel_status BeginBoth(const GpuList& list, kestrel_result* gpu_result, const kestrel_cpu* cpu,
                          kestrel_result* cpu_result) noexcept {
   const kestrel_status gpu_begun = BeginCall(gpu_result);
@@ -154,7 +155,7 @@ kestrel_status kestrel_survey_cpu(kestrel_cpu* cpu, kestrel_result* result) {
   return kestrel::c::GuardedSurveyCpu(cpu, result);
 }
 
-// The check does not see that `count` is written through a GpuList.
+// clang-tidy does not see that `count` is written through a GpuList.
 // NOLINTBEGIN(readability-non-const-parameter)
 
 kestrel_status kestrel_survey_gpus(kestrel_gpu* gpus, size_t capacity, size_t* count,

@@ -10,8 +10,8 @@ struct Start {
 };
 
 // Returns what is simulated until a machine is installed. Called once, at the first call of any
-// operation. Defined twice: each shared library reads its environment, tests in the process start
-// without a device.
+// operation. Defined twice: in a shared library it reads the environment; in tests that link the
+// simulator's objects it returns a machine without devices.
 Start StartOfRuntime();
 
 }  // namespace kestrel::simulator

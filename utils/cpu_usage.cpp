@@ -48,8 +48,7 @@ void SleepMilliseconds(int milliseconds) noexcept {
   }
 }
 
-// Kernel and user time are sampled apart and only their sum is used. Unsigned arithmetic: sums and
-// the difference may wrap without harm.
+// Unsigned arithmetic: the sums may wrap, and their difference is still right.
 double ConsumedSeconds(const Interval& interval) noexcept {
   const std::uint64_t consumed = (interval.second.kernel + interval.second.user) -
                                  (interval.first.kernel + interval.first.user);
@@ -61,8 +60,8 @@ float PercentOfMachine(const Interval& interval) noexcept {
   return static_cast<float>(ConsumedSeconds(interval) / capacity * kPercent);
 }
 
-// Reports and returns `nullopt` if a sample fails or no time elapsed. Returns it without a report
-// if the processors cannot be counted: there is no message for that.
+// Returns `nullopt` if a sample fails or no time elapsed, and reports it. Returns `nullopt` without
+// a report if the processors cannot be counted: there is no message for that.
 std::optional<Interval> Measure(const platform::Process& process, int pid, int split_ms,
                                 DiagnosticSink sink) noexcept {
   const auto first = process.Times();

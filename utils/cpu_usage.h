@@ -12,17 +12,18 @@ namespace kestrel_utils {
 /// Blocks the calling thread for about `split_ms` milliseconds. With 0 or less it does not sleep
 /// and measures over the few microseconds between its two samples.
 ///
-/// Ask for 100 ms or more. The processor time of other threads than the caller advances in steps:
-/// the kernel's ticks on Linux (4 ms at 250 Hz), by default 15.6 ms on Windows. For a process that
-/// kept one of two processors busy (50 percent), on Linux 6.18 at 250 Hz, nine readings of ten were
-/// within 48 to 51 at 100 ms and within 39 to 60 at 10 ms. At 1 ms, 70 percent of the readings were
-/// 0 and the largest was 206; without sleep, 99.9 percent were 0 and the largest was 126,498.
+/// Ask for 100 ms or more. The recorded processor time of all threads but the caller's advances in
+/// steps: the kernel's ticks on Linux (4 ms at 250 Hz), by default 15.6 ms on Windows. Measured on
+/// Linux 6.18 at 250 Hz, for a process that kept one of two processors busy (50 percent): with
+/// intervals of 100 ms, nine of ten readings were between 48 and 51; with 10 ms, between 39 and 60.
+/// With 1 ms, 70 percent of the readings were 0 and the largest was 206; without sleep, 99.9
+/// percent were 0 and the largest was 126,498.
 ///
 /// Returns -1.0 and reports it in one line (see "Diagnostics" in utils/memory_observer.h) if `pid`
 /// is below 1, if the process cannot be opened, if one of the two samples fails, or if no
 /// wall-clock time elapsed. Returns -1.0 without a line if the logical processors cannot be
-/// counted: on Linux with only one file descriptor left, or without both "/sys" and "/proc/stat". A
-/// call that fails before its sleep returns at once.
+/// counted: on Linux if only one file descriptor is left, or if neither "/sys" nor "/proc/stat" can
+/// be read. A call that fails before its sleep returns at once.
 ///
 /// On Windows the figures come from GetProcessTimes and GetSystemInfo. On Linux they come from the
 /// process CPU clock (clock_getcpuclockid) and the online processors; a zombie uses 0 percent; the

@@ -19,11 +19,10 @@ namespace kestrel_utils {
 /// Diagnostics. Where a meter, here or in utils/cpu_usage.h, reports a failure, it writes one line
 /// to the buffer of std::cerr in one call and flushes that buffer. The state and the exception mask
 /// of std::cerr and the std::cout that is tied to it stay untouched; what cannot be written is
-/// lost. Some things remain for the host to know:
-/// - Several threads may write to std::cerr at once as long as the host leaves it as it was at the
-///   start of the program. After std::ios::sync_with_stdio(false), or with a buffer of the host's
-///   own, they may not: then no meter may report a failure while another thread writes to
-///   std::cerr.
+/// lost. What a host should know:
+/// - By default several threads may write to std::cerr at once. After
+///   std::ios::sync_with_stdio(false), or with a buffer of the host's own, they may not: then no
+///   meter may report a failure while another thread writes to std::cerr.
 /// - A full pipe blocks the meter until its reader continues.
 /// - A broken pipe raises SIGPIPE, which ends a process that has left its default action.
 /// - The line goes wherever file descriptor 2 leads. A host that closes descriptor 2 and then opens
@@ -50,7 +49,7 @@ class MemoryObserver {
   /// leave less (docs/memory-in-containers.md). Returns 0, without a report, if the query fails.
   [[nodiscard]] KESTRELCORE_EXPORT long long getAvailableRAM() const noexcept;
 
-  /// Returns the physical RAM less the available RAM, both from one query; 0, without a report, if
+  /// Returns the physical RAM minus the available RAM, both from one query; 0, without a report, if
   /// the query fails.
   [[nodiscard]] KESTRELCORE_EXPORT long long getUsedRAM() const noexcept;
 
@@ -69,7 +68,7 @@ class MemoryObserver {
   /// fails to count its devices or counts none.
   [[nodiscard]] KESTRELCORE_EXPORT static long long getMachinePhysicalVRAM() noexcept;
 
-  /// Returns the free VRAM of HIP device 0 alone, also if there are several (hipMemGetInfo).
+  /// Returns the free VRAM of HIP device 0 alone, even if there are several (hipMemGetInfo).
   /// Returns 0, without a report, if there are no devices or a HIP call fails. Thread effect: makes
   /// device 0 the calling thread's current HIP device.
   [[nodiscard]] KESTRELCORE_EXPORT long long getAvailableVRAM() const noexcept;

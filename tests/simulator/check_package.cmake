@@ -6,7 +6,7 @@
 #
 # BUILD         the build tree; WORK a folder for this test alone; SOURCE the project's sources
 # EMULATOR      the program that runs programs of a cross build; empty in a native one
-# GENERATOR     the one of BUILD: the machine may have no other build tool
+# GENERATOR     the generator of BUILD; the machine may have no other build tool
 # HARNESS       the file name of the installed program
 # COPY_RUNTIME  ON where the loader searches the program's own folder, so that the runtime is copied
 #               there; otherwise LD_LIBRARY_PATH names the runtime's folder
@@ -24,7 +24,7 @@ execute_process(
   COMMAND_ERROR_IS_FATAL ANY)
 include("${WORK}/user/found.cmake")
 
-# No loader and no linker can find a runtime by accident.
+# Each runtime is installed in a folder of its own, where no loader or linker finds it by accident.
 file(GLOB_RECURSE installed "${prefix}/*amdhip64*")
 list(SORT installed)
 if(NOT installed STREQUAL runtimes)
