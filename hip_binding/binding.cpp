@@ -10,6 +10,8 @@ void* Binding::Runtime() noexcept {
 }
 
 void Binding::Report(BindingReport& report) noexcept {
+  report.path[0] = '\0';
+  report.attempt_count = 0;
   report.bound_before = runtime_.load(std::memory_order_acquire) != nullptr;
   void* const runtime = report.bound_before ? Runtime() : Bind(&report);
   if (runtime != nullptr) {

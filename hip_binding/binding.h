@@ -15,7 +15,7 @@ class Binding {
   // The handle of the runtime; null if the machine has none.
   [[nodiscard]] void* Runtime() noexcept;
 
-  // As ReportBinding.
+  // See ReportBinding.
   void Report(BindingReport& report) noexcept;
 
  private:

@@ -24,7 +24,7 @@ struct BindingReport {
 };
 
 // Binds a runtime if none is bound yet, as the first call of an operation does, and reports how
-// that went. Calls no function of the runtime.
+// that went. Calls no function of the runtime. Overwrites what an earlier call wrote to `report`.
 void ReportBinding(BindingReport& report) noexcept;
 
 }  // namespace kestrel::hip_binding

@@ -90,6 +90,16 @@ TEST_F(BindingTest, ReportAfterACallSaysSoAndSearchesNothing) {
   EXPECT_TRUE(Loader().calls.empty());
 }
 
+TEST_F(BindingTest, ReportThatIsUsedAgainHoldsTheLastOutcomeAlone) {
+  binding_.Report(report_);
+  Loader().loadable["old"] = &runtime_;
+  binding_.Report(report_);
+  EXPECT_EQ(report_.attempt_count, 1U);
+  EXPECT_STREQ(report_.path.data(), "/lib/old");
+  binding_.Report(report_);
+  EXPECT_EQ(report_.attempt_count, 0U);
+}
+
 TEST_F(BindingTest, ReportWithoutRuntimeHasEveryAttemptAndNoPath) {
   binding_.Report(report_);
   EXPECT_STREQ(report_.path.data(), "");
