@@ -17,9 +17,10 @@ namespace kestrel_utils {
 /// member.
 ///
 /// Diagnostics. Where a meter, here or in utils/cpu_usage.h, reports a failure, it writes one line
-/// to the buffer of std::cerr in one call and flushes that buffer. The state and the exception mask
-/// of std::cerr and the std::cout that is tied to it stay untouched; what cannot be written is
-/// lost. What a host should know:
+/// to the buffer of std::cerr in one call and flushes that buffer. (The line about a HIP runtime
+/// that counts no devices is flushed only if std::ios::unitbuf is set, as it is by default.) The
+/// state and the exception mask of std::cerr and the std::cout that is tied to it stay untouched;
+/// what cannot be written is lost. What a host should know:
 /// - By default several threads may write to std::cerr at once. After
 ///   std::ios::sync_with_stdio(false), or with a buffer of the host's own, they may not: then no
 ///   meter may report a failure while another thread writes to std::cerr.
@@ -65,7 +66,7 @@ class MemoryObserver {
 
   /// Returns the total VRAM of all HIP devices: the sum of totalGlobalMem of their properties. A
   /// device whose properties cannot be read is reported and adds 0. Returns 0 and reports it if HIP
-  /// fails to count its devices or counts none.
+  /// fails to count its devices or counts none; 0 without a report if HIP returns a negative count.
   [[nodiscard]] KESTRELCORE_EXPORT static long long getMachinePhysicalVRAM() noexcept;
 
   /// Returns the free VRAM of HIP device 0 alone, even if there are several (hipMemGetInfo).
