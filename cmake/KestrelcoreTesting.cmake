@@ -27,10 +27,12 @@ target_compile_definitions(kestrelcore_test_common INTERFACE KESTRELCORE_STATIC_
 target_link_libraries(kestrelcore_test_common INTERFACE kestrelcore_common HIP::headers
                                                       GTest::gtest)
 
+# The tests' own code compiles faster with little optimization and line tables alone. The library under
+# test keeps its own flags.
 if(KESTRELCORE_SANITIZERS OR MINGW)
-  # With sanitizers a suite compiles eight times as fast without optimization. The library under test
-  # keeps its own.
   target_compile_options(kestrelcore_test_common INTERFACE -O0 -g1)
+elseif(NOT MSVC)
+  target_compile_options(kestrelcore_test_common INTERFACE -O1 -g1)
 endif()
 
 # Adds a test program, with one ctest test for each test case. PREFIX goes before the names of the
