@@ -89,11 +89,10 @@ def cpu_usage(pid: int | None = None, interval: float = 0.5) -> float:
     Raises `InvalidArgumentError` for a pid below 1 and `ProcessError` if the process cannot be
     measured.
     """
-    milliseconds = round(interval * 1000)
-    if not 0 <= milliseconds <= _LARGEST_INT:
+    if not 0 <= interval <= _LARGEST_INT / 1000:
         raise _invalid("The interval is negative or too long")
     percent = ctypes.c_float()
-    library.call(library.cpu_usage, _pid(pid), milliseconds, ctypes.byref(percent))
+    library.call(library.cpu_usage, _pid(pid), round(interval * 1000), ctypes.byref(percent))
     return percent.value
 
 

@@ -71,7 +71,7 @@ def test_absent_process_raises_with_its_pid():
         assert str(raised.value) == f"Failed to open process with PID {process.pid}"
 
 
-@pytest.mark.parametrize("interval", [-0.1, 2.0**40])
+@pytest.mark.parametrize("interval", [-0.1, 2.0**40, float("inf"), float("nan")])
 def test_interval_out_of_range_is_an_invalid_argument(interval):
     with pytest.raises(kestrelcore.InvalidArgumentError):
         kestrelcore.cpu_usage(interval=interval)
