@@ -4,7 +4,7 @@ include(CMakePackageConfigHelpers)
 include(KestrelcoreGuard)
 include(KestrelcorePkgConfig)
 
-# As a part of a host, CMAKE_INSTALL_DOCDIR may be the host's.
+# In a subproject, CMAKE_INSTALL_DOCDIR may be that of the parent project.
 set(kestrelcore_docdir "${CMAKE_INSTALL_DATAROOTDIR}/doc/kestrelcore")
 if(PROJECT_IS_TOP_LEVEL)
   set(kestrelcore_docdir "${CMAKE_INSTALL_DOCDIR}")
@@ -27,7 +27,7 @@ set(installed_guards "${standard_library_guard}${kestrelcore_macro_guard}")
 generate_export_header(
   kestrelcore EXPORT_FILE_NAME "${PROJECT_BINARY_DIR}/installed/kestrelcore_export.h.in"
   CUSTOM_CONTENT_FROM_VARIABLE installed_guards)
-# Evaluates what depends on the configuration.
+# Evaluates the generator expressions of the guards.
 set(installed_export_header "${PROJECT_BINARY_DIR}/installed/$<CONFIG>/kestrelcore_export.h")
 file(GENERATE OUTPUT "${installed_export_header}"
      INPUT "${PROJECT_BINARY_DIR}/installed/kestrelcore_export.h.in")
@@ -35,7 +35,7 @@ install(FILES "${installed_export_header}"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrelcore" COMPONENT development)
 install(FILES LICENSE CHANGELOG.md DESTINATION "${kestrelcore_docdir}" COMPONENT runtime)
 if(NOT WIN32 AND KESTRELCORE_HIP STREQUAL "linked")
-  # A HIP outside the folders that the loader searches stays where it was found.
+  # The loader would not find a HIP outside the folders that it searches.
   cmake_path(GET HIP_LIBRARY PARENT_PATH hip_folder)
   if(NOT hip_folder IN_LIST CMAKE_CXX_IMPLICIT_LINK_DIRECTORIES)
     set_target_properties(kestrelcore PROPERTIES INSTALL_RPATH "${hip_folder}"

@@ -1,6 +1,6 @@
-# Installs the description of a library for pkg-config. Its paths are relative to the file itself, so that
-# the installed folder may be moved. The full paths are compared because CMAKE_INSTALL_LIBDIR and
-# CMAKE_INSTALL_INCLUDEDIR may be absolute.
+# Installs the description of a library for pkg-config. Its paths are relative to the file itself,
+# so that the installed folder may be moved. They are computed from the full paths because
+# CMAKE_INSTALL_LIBDIR and CMAKE_INSTALL_INCLUDEDIR may be absolute.
 function(kestrelcore_install_pkg_config template component)
   set(folder "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig")
   file(RELATIVE_PATH kestrelcore_include_from_pc "${folder}" "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
@@ -10,8 +10,8 @@ function(kestrelcore_install_pkg_config template component)
           COMPONENT ${component})
 endfunction()
 
-# Sets what kestrelcore.pc holds besides the library itself. Programs that link the archive link what it
-# needs, with and without --static.
+# Sets the flags that kestrelcore.pc needs besides those of the library itself. A program that links
+# the archive also links the libraries that the archive needs, with and without --static.
 function(kestrelcore_set_pkg_config_flags)
   set(kestrelcore_pc_libs "")
   set(kestrelcore_pc_cflags "")

@@ -49,8 +49,8 @@ function(kestrelcore_add_test name)
                        PROPERTIES TIMEOUT 120)
 endfunction()
 
-# A suite over the portable logic, the fake operating system and the simulated GPUs; named after
-# its source file. Further sources may follow.
+# Adds a suite over the portable logic, the fake operating system and the simulated GPUs. It has the
+# name of its source file. Further sources may follow.
 function(kestrelcore_add_unit_test source)
   cmake_path(GET source STEM name)
   kestrelcore_add_test(${name} SOURCES ${source} ${ARGN}
@@ -79,9 +79,9 @@ set_target_properties(
                                RUNTIME_OUTPUT_DIRECTORY "${kestrelcore_other_folder}"
                                ARCHIVE_OUTPUT_DIRECTORY "${kestrelcore_other_folder}")
 
-# How programs reach a HIP runtime: on Linux, by a folder that is searched first. Windows looks next
-# to the program first, so there the tests run copies in a folder with the simulated runtime, apart
-# from where other tests would find it.
+# How programs find a HIP runtime. On Linux the tests put the folder of one into LD_LIBRARY_PATH.
+# Windows searches the program's own folder first, so there the tests run copies of the programs in
+# a folder with the simulated runtime, where no other test finds it.
 if(WIN32)
   set(kestrelcore_run_folder "${PROJECT_BINARY_DIR}/tests/run")
   set(kestrelcore_other_run_folder "${PROJECT_BINARY_DIR}/tests/run-${kestrelcore_other_binding}")
@@ -154,7 +154,7 @@ function(kestrelcore_add_output_test name)
   endif()
 endfunction()
 
-# The rest of the arguments is that of the caller.
+# Also reads the parsed arguments (arg_...) of the function that calls it.
 function(kestrelcore_add_one_output_test name program runtime)
   set(run ${CMAKE_CROSSCOMPILING_EMULATOR} "${program}" ${arg_ARGUMENTS})
   add_test(NAME ${name}

@@ -8,8 +8,8 @@ set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
-# The host's own headers, libraries and packages are not for Windows. Prefixes that the user names
-# hold Windows packages and stay reachable.
+# The headers, libraries and packages of the building system are not for Windows, so they are not
+# searched. The prefixes that the user names are, since they hold Windows packages.
 set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32 ${CMAKE_PREFIX_PATH})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
