@@ -38,8 +38,8 @@ HMODULE Open(const Candidate& candidate) noexcept {
     HMODULE library = nullptr;
     return GetModuleHandleExA(0, candidate.name, &library) != 0 ? library : nullptr;
   }
-  // The program's folder and the system folder. The current folder and PATH are not searched: other
-  // users may be able to write there.
+  // The program's folder, those that it added with AddDllDirectory, and the system folder. The
+  // current folder and PATH are not searched: other users may be able to write there.
   const QuietErrorMode quiet;
   return LoadLibraryExA(candidate.name, nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
 }

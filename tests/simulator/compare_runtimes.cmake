@@ -1,5 +1,5 @@
-# Runs every_call over the real runtime and over the simulated one, both without a device, and compares
-# the outputs.
+# Runs every_call over the real runtime and over the simulated one, both without a device, and
+# compares the outputs.
 #
 #   cmake -DPROGRAM=... -DREAL=... -DSIMULATED=... -P compare_runtimes.cmake
 #

@@ -22,9 +22,6 @@ using kestrel_utils::MemoryObserver;
 using platform::Process;
 using platform::ProcessRights;
 
-using kestrel_utils::GetCpuUsage;
-using kestrel_utils::MemoryObserver;
-
 bool Opens(int pid, ProcessRights rights) { return Process::Open(pid, rights).has_value(); }
 
 std::string OpenFailure(int pid) {
