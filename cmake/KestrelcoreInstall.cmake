@@ -34,6 +34,10 @@ file(GENERATE OUTPUT "${installed_export_header}"
 install(FILES "${installed_export_header}"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrelcore" COMPONENT development)
 install(FILES LICENSE CHANGELOG.md DESTINATION "${kestrelcore_docdir}" COMPONENT runtime)
+foreach(page quick-start figures memory-in-containers simulator deployment hip-runtimes c-and-python
+             windows compatibility)
+  install(FILES "docs/${page}.md" DESTINATION "${kestrelcore_docdir}" COMPONENT development)
+endforeach()
 if(NOT WIN32 AND KESTRELCORE_HIP STREQUAL "linked")
   # The loader would not find a HIP outside the folders that it searches.
   cmake_path(GET HIP_LIBRARY PARENT_PATH hip_folder)

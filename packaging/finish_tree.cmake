@@ -18,6 +18,8 @@ function(finish_debian_tree tree package)
     file(REMOVE_RECURSE "${folder}")
   endforeach()
 
+  file(REMOVE "${documents}/LICENSE" "${documents}/THIRD_PARTY_LICENSES") # both are in `copyright`
+
   set(source "${CMAKE_CURRENT_FUNCTION_LIST_DIR}")
   file(COPY "${source}/debian/copyright" DESTINATION "${documents}")
   file(COPY_FILE "${source}/../CHANGELOG.md" "${documents}/changelog")
