@@ -143,7 +143,7 @@ class ForecastProofNeedsRootAndMemoryCgroupTest : public testing::Test {
     if (!obstacle.empty()) {
       GTEST_SKIP() << obstacle;
     }
-    if (MemoryObserver().getAvailableRAM() < static_cast<long long>(4 * kLimit)) {
+    if (MemoryObserver().getAvailableRAM() < static_cast<long long>(3 * kLimit)) {
       GTEST_SKIP() << "This machine has not enough memory free for the groups' limit to matter.";
     }
   }
