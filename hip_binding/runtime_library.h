@@ -33,15 +33,15 @@ struct CandidateList {
   [[nodiscard]] const Candidate* end() const noexcept { return first + size; }
 };
 
-// UTF-8, cut off where it does not fit, always ended by a NUL.
+// UTF-8 that ends with a NUL. What does not fit is cut off or, on Windows, left out as a whole.
 using ReasonText = std::array<char, 256>;
 using PathText = std::array<char, 1024>;
 
 // Everything that may be the runtime, in the order in which it is tried.
 [[nodiscard]] CandidateList Candidates() noexcept;
 
-// Returns a handle that keeps the library loaded until CloseLibrary; null if it cannot be had, with
-// the loader's explanation in `reason` (none for Origin::kLoaded). Runs the initialisers of a
+// Returns a handle that keeps the library loaded until CloseLibrary; null if it cannot be opened,
+// with the loader's explanation in `reason` (none for Origin::kLoaded). Runs the initialisers of a
 // library that it loads.
 [[nodiscard]] void* OpenLibrary(const Candidate& candidate, ReasonText& reason) noexcept;
 

@@ -7,7 +7,7 @@ namespace kestrel::hip_binding {
 
 enum class ElfFile : std::uint8_t {
   kOther,   // not for a 64-bit x86 process, or no ELF file: the loader refuses or skips it
-  kCutOff,  // shorter than its segments: the loader maps them anyway and dies of SIGBUS
+  kCutOff,  // shorter than its segments: loading it ends the process with SIGBUS
   kWhole,
 };
 

@@ -6,7 +6,7 @@
 //   threads     makes the first call in eight threads at once
 //   report      prints which candidates that exist were passed over, and the file that was bound
 //   load=NAME   loads that library, as a host does that uses HIP itself
-//   unload      lets go of it
+//   unload      closes it
 //   select      makes device 1 of it current
 //   current     prints its current device
 //   remove=FILE removes that file
