@@ -1,3 +1,14 @@
+# What the export header checks about the host.
+
+# <X11/Xlib.h> defines a macro with the name of an enumerator. The header sees it only if X11's header is
+# included first.
+set(kestrelcore_macro_guard [[
+
+#ifdef Success
+#error "A macro Success, such as that of <X11/Xlib.h>, hides kestrel::system::ResultCode::Success. Include the headers of kestrelcore first, or #undef Success."
+#endif
+]])
+
 # The text by which the installed export header stops a host whose C++ standard library differs from
 # the one that the library is built with: strings and containers cross the boundary by value, so such
 # a host would link, and then corrupt memory.

@@ -1,7 +1,6 @@
 # The install rules of the library, its headers, the CMake package and the harness.
 
 include(CMakePackageConfigHelpers)
-include(KestrelcoreGuard)
 include(KestrelcorePkgConfig)
 
 # In a subproject, CMAKE_INSTALL_DOCDIR may be that of the parent project.
