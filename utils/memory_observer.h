@@ -6,15 +6,18 @@ namespace kestrel_utils {
 
 /// Meters for RAM, VRAM and one process's memory, and the allocation forecast.
 ///
-/// Every call measures afresh; no figure is cached, and all instances are equal. (A library built
-/// with KESTRELCORE_HIP=lazy remembers the HIP runtime that it has found.) All figures are bytes.
-/// No member throws, whatever the HIP runtime throws; on Windows only exceptions of the compiler
-/// that built this library can be caught. No member allocates memory or blocks beyond its query,
-/// except for what the HIP runtime does: it initialises itself at the first call in a process.
-/// Members may be called from any number of threads at once. On Linux they need up to 16 KiB of
-/// stack, also at the first call in a process (measured: less than 13 KiB); the VRAM members need
-/// what the HIP runtime takes on top of that. Do not cancel (pthread_cancel) a thread inside a
-/// member.
+/// Every call measures afresh; no figure is cached, and all instances are equal. All figures are
+/// bytes. No member throws, whatever the HIP runtime throws; on Windows only exceptions of the
+/// compiler that built this library can be caught. No member allocates memory or blocks beyond its
+/// query, except for what the HIP runtime does: it initialises itself at the first call in a
+/// process. Members may be called from any number of threads at once. On Linux they need up to
+/// 16 KiB of stack, also at the first call in a process (measured: less than 13 KiB); the VRAM
+/// members need what the HIP runtime takes on top of that. Do not cancel (pthread_cancel) a thread
+/// inside a member.
+///
+/// A library built with KESTRELCORE_HIP=lazy looks for a HIP runtime at the first call of a VRAM
+/// member or a GPU survey, and remembers the one that it has found. Until then each of these calls
+/// searches again, and the system's loader allocates memory for that.
 ///
 /// Diagnostics. Where a meter, here or in utils/cpu_usage.h, reports a failure, it writes one line
 /// to the buffer of std::cerr in one call and flushes that buffer. (The line about a HIP runtime
