@@ -7,10 +7,12 @@
 
 namespace kestrel::tests {
 
-// Collects std::cout and std::cerr in one text while it lives, so that their order shows.
+// Collects std::cout and std::cerr in one text while it lives, in the order in which a user sees
+// them: what is written to std::cout appears when it is flushed, as in a pipe or a file.
 class OutputRecorder {
  public:
-  OutputRecorder() : cout_(std::cout.rdbuf(&text_)), cerr_(std::cerr.rdbuf(&text_)) {}
+  OutputRecorder()
+      : buffer_(text_), cout_(std::cout.rdbuf(&buffer_)), cerr_(std::cerr.rdbuf(&text_)) {}
   OutputRecorder(const OutputRecorder&) = delete;
   OutputRecorder& operator=(const OutputRecorder&) = delete;
   ~OutputRecorder() {
@@ -19,18 +21,26 @@ class OutputRecorder {
   }
 
   [[nodiscard]] std::string text() const { return text_.str(); }
-  [[nodiscard]] int flushes() const { return text_.flushes; }
+  [[nodiscard]] int flushes() const { return buffer_.flushes; }
 
  private:
   struct Buffer : std::stringbuf {
+    explicit Buffer(std::stringbuf& visible) : target(visible) {}
+
     int sync() override {
+      const std::string unflushed = str();
+      target.sputn(unflushed.data(), static_cast<std::streamsize>(unflushed.size()));
+      str("");
       ++flushes;
       return 0;
     }
+
+    std::stringbuf& target;
     int flushes = 0;
   };
 
-  Buffer text_;
+  std::stringbuf text_;
+  Buffer buffer_;
   std::streambuf* cout_;
   std::streambuf* cerr_;
 };

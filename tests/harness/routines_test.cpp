@@ -162,7 +162,7 @@ TEST_F(RoutinesTest, EveryLineIsFlushed) {
 }
 
 // Otherwise a message of the meter would come before its label: the meters do not flush std::cout.
-TEST_F(RoutinesTest, EveryLabelIsFlushedBeforeItsMeterRuns) {
+TEST_F(RoutinesTest, EveryLabelIsFlushed) {
   Machine machine;
   machine.devices.resize(1);
   Install(machine);
