@@ -5,8 +5,8 @@
 
 #include "hip_binding/runtime_library.h"
 
-// Which HIP runtime the operations are bound to, and why not to another: for programs that explain
-// a machine to a person.
+// Which HIP runtime the operations are bound to, and why other candidates were passed over. For
+// programs that explain to a person which GPUs were found.
 
 namespace kestrel::hip_binding {
 

@@ -8,7 +8,7 @@
 
 namespace kestrel::hip_binding {
 
-// A kind of the record: its function, and where it has the fields that the library reads.
+// One kind of the record: its function, and the offsets of the fields that the library reads.
 struct DeviceRecord {
   const char* function;
   std::size_t size;              // bytes

@@ -37,8 +37,8 @@ void SleepUntil(std::int64_t deadline_nanoseconds) noexcept {
   deadline.tv_sec = deadline_nanoseconds / kNanosecondsPerSecond;
   deadline.tv_nsec = deadline_nanoseconds % kNanosecondsPerSecond;
   const int error = clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &deadline, nullptr);
-  // Filters of system calls that are older than this one refuse it. The caller would spin through
-  // the interval then. std::this_thread::sleep_for makes the same call, so it is no replacement.
+  // A sandbox may refuse a system call that its filter does not know. Without another way to sleep,
+  // the caller would spin through the interval. std::this_thread::sleep_for makes the same call.
   if (error != 0 && error != EINTR) {
     SleepUntilByPolling(deadline_nanoseconds);
   }
