@@ -13,7 +13,7 @@ namespace kestrel::platform {
 
 namespace {
 
-// The lines of the processors come first, and others follow. If none follows, reading stopped early.
+// The lines of the processors come first and others follow. If none follows, reading stopped early.
 std::optional<std::uint32_t> CountProcessorsInProcStat() noexcept {
   LineReader lines("", "/proc/stat");
   std::uint32_t count = 0;
