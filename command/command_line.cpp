@@ -94,7 +94,13 @@ Request Read(const CLI::App& app) {
   if (name == "survey") {
     return ReadSurvey(app);
   }
-  return ReadFits(app);
+  if (name == "fits") {
+    return ReadFits(app);
+  }
+  if (name == "record") {
+    return RecordRequest{Value(app, "FILE")};
+  }
+  return ExplainRequest{};
 }
 
 // The texts of CLI11 may have several lines.

@@ -21,6 +21,12 @@ struct FitsRequest {
   int device = 0;  // asked if `vram`
 };
 
+struct ExplainRequest {};
+
+struct RecordRequest {
+  std::string file;  // empty for standard output
+};
+
 // A text that was asked for: help or the version.
 struct TextRequest {
   std::string text;
@@ -31,7 +37,8 @@ struct Refusal {
   std::string message;  // one line: what is wrong, and what is allowed
 };
 
-using Request = std::variant<SurveyRequest, FitsRequest, TextRequest, Refusal>;
+using Request =
+    std::variant<SurveyRequest, FitsRequest, ExplainRequest, RecordRequest, TextRequest, Refusal>;
 
 // Reads the arguments that follow the program's name.
 Request ParseCommandLine(std::vector<std::string> arguments);

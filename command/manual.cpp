@@ -50,6 +50,32 @@ Subcommand Fits() {
           "Start a program only if its 24 GiB fit"};
 }
 
+Subcommand Explain() {
+  return {"explain",
+          "Explain which GPUs and which memory limit were found, and why",
+          {"Goes step by step through what decides whether a GPU is found: the processor, the HIP "
+           "runtimes that were tried, the device files and their permissions, the masks in the "
+           "environment, and the graphics cards that the kernel knows. Each step says what was "
+           "seen and, where something is wrong, what to do. For memory it names the limit that "
+           "decides."},
+          {},
+          {kHelp},
+          "kestrel explain",
+          "Find out why no GPU is reported"};
+}
+
+Subcommand Record() {
+  return {"record",
+          "Write this machine's GPUs as a machine file of the simulator",
+          {"Writes what the HIP runtime reports as a machine file. The simulated HIP runtime reads "
+           "it, so that programs on another machine see the same GPUs. The file holds names and "
+           "memory sizes of the GPUs and no other data of the machine."},
+          {{"FILE", "", "FILE", "The file to write; standard output if it is not given", {}, ""}},
+          {kHelp},
+          "kestrel record server.toml",
+          "Take this server's GPUs along"};
+}
+
 }  // namespace
 
 const Manual& KestrelManual() {
@@ -59,9 +85,9 @@ const Manual& KestrelManual() {
       {"Reports the processor, the GPUs that the AMD HIP runtime sees, and the memory that is free "
        "to a process under the limits of its container.",
        "The HIP runtime is found when it is needed; the program also runs without one. It needs a "
-       "processor with AVX2."},
+       "processor with AVX2; on others only kestrel explain does its work."},
       {kHelp, {"--version", "", "", "Print the version and end", {}, ""}},
-      {Survey(), Fits()},
+      {Survey(), Fits(), Explain(), Record()},
       {{kSuccess, "Success; for fits: it fits."},
        {kWouldFail, "fits only: it would fail."},
        {kUndetermined, "fits only: it cannot be determined."},

@@ -1,22 +1,32 @@
 #include "command/program.h"
 
 #include <exception>
+#include <type_traits>
 #include <utility>
 #include <variant>
 
 #include "c/processor.h"
 #include "command/command_line.h"
+#include "command/explain.h"
 #include "command/fits.h"
+#include "command/record.h"
 #include "command/survey.h"
 
 namespace kestrel::command {
 
 namespace {
 
-Outcome Run(const SurveyRequest& request) { return RunSurvey(request); }
-Outcome Run(const FitsRequest& request) { return RunFits(request); }
-Outcome Run(const TextRequest& request) { return {kSuccess, request.text, ""}; }
-Outcome Run(const Refusal& refusal) { return {kWrongUsage, "", refusal.message}; }
+// Runs a request of each kind. What writes little leaves it to the caller.
+struct Runner {
+  const Writer& write;
+
+  Outcome operator()(const SurveyRequest& request) const { return RunSurvey(request); }
+  Outcome operator()(const FitsRequest& request) const { return RunFits(request); }
+  Outcome operator()(const ExplainRequest& /*request*/) const { return RunExplain(write); }
+  Outcome operator()(const RecordRequest& request) const { return RunRecord(request); }
+  Outcome operator()(const TextRequest& request) const { return {kSuccess, request.text, ""}; }
+  Outcome operator()(const Refusal& refusal) const { return {kWrongUsage, "", refusal.message}; }
+};
 
 // What the library's own code needs; the other requests run on every x86-64 processor.
 template <typename Request>
@@ -27,21 +37,28 @@ template <>
 constexpr bool kNeedsAvx2<FitsRequest> = true;
 
 template <typename Request>
-Outcome RunIfSupported(const Request& request) {
+Outcome RunIfSupported(const Request& request, const Writer& write) {
   if (kNeedsAvx2<Request> && !c::ProcessorIsSupported()) {
     const int status = std::is_same_v<Request, FitsRequest> ? kUndetermined : kFailure;
     return {status, "",
-            "kestrel: this processor lacks AVX2, or the operating system has not enabled it"};
+            "kestrel: this processor lacks AVX2, or the operating system has not enabled it; "
+            "'kestrel explain' says more"};
   }
-  return Run(request);
+  return Runner{write}(request);
 }
 
 }  // namespace
 
-Outcome RunProgram(std::vector<std::string> arguments) {
+Outcome RunProgram(std::vector<std::string> arguments, const Writer& write) {
   try {
-    return std::visit([](const auto& request) { return RunIfSupported(request); },
-                      ParseCommandLine(std::move(arguments)));
+    Outcome outcome =
+        std::visit([&](const auto& request) { return RunIfSupported(request, write); },
+                   ParseCommandLine(std::move(arguments)));
+    write(std::exchange(outcome.output, {}));
+    return outcome;
+  } catch (const OutputError& error) {
+    return {kOutputFailure, "",
+            std::string("kestrel: the output could not be written: ") + error.what()};
   } catch (const std::exception& exception) {
     return {kFailure, "", std::string("kestrel: ") + exception.what()};
   }

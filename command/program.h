@@ -4,11 +4,12 @@
 #include <vector>
 
 #include "command/outcome.h"
+#include "command/standard_output.h"
 
 namespace kestrel::command {
 
-// Runs the program with the arguments that follow its name. Only `watch` writes to the terminal by
-// itself.
-Outcome RunProgram(std::vector<std::string> arguments);
+// Runs the program with the arguments that follow its name. Its output has been written when it
+// returns.
+Outcome RunProgram(std::vector<std::string> arguments, const Writer& write);
 
 }  // namespace kestrel::command

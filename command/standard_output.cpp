@@ -6,11 +6,13 @@
 
 namespace kestrel::command {
 
-std::string WriteOutput(std::string_view text) {
+void WriteToStandardOutput(const std::string& text) {
   errno = 0;
   const bool written =
       std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
-  return written ? "" : std::generic_category().message(errno);
+  if (!written) {
+    throw OutputError(std::generic_category().message(errno));
+  }
 }
 
 }  // namespace kestrel::command

@@ -29,7 +29,7 @@ std::string ProcessorText(const MachineSurvey& survey) {
 std::string GpuText(const MachineSurvey& survey) {
   std::string text = "GPUs\n";
   if (survey.gpu_part.status != KESTREL_OK) {
-    return text + "  " + survey.gpu_part.message + "\n";
+    return text + "  " + survey.gpu_part.message + "\n  'kestrel explain' looks for the reason\n";
   }
   for (const Gpu& gpu : survey.gpus) {
     AddLine(text, "device " + std::to_string(gpu.device), gpu.name);

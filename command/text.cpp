@@ -55,12 +55,12 @@ bool IsControl(std::string_view sequence) {
 
 }  // namespace
 
-std::string PrintableText(std::string_view text) {
+std::string PrintableText(std::string_view text, std::string_view replacement) {
   std::string printable;
   while (!text.empty()) {
     const std::size_t length = SequenceLength(text);
     if (length == 0) {
-      printable += "\xEF\xBF\xBD";
+      printable += replacement;
     } else {
       const std::string_view sequence = text.substr(0, length);
       printable += IsControl(sequence) ? " " : sequence;

@@ -7,7 +7,15 @@
 namespace kestrel::tests {
 namespace {
 
-using command::RunProgram;
+// Keeps what is written in the outcome.
+command::Outcome RunProgram(const std::vector<std::string>& arguments) {
+  std::string written;
+  command::Outcome outcome =
+      command::RunProgram(arguments, [&](const std::string& text) { written += text; });
+  EXPECT_EQ(outcome.output, "");
+  outcome.output = written;
+  return outcome;
+}
 
 class ProgramTest : public testing::Test {
  protected:
@@ -40,6 +48,26 @@ TEST_F(ProgramTest, IncompleteSurveyIsReportedAndAFailure) {
 TEST_F(ProgramTest, SurveyOfAMachineWithoutGpuIsASuccess) {
   simulator::Install({});
   EXPECT_EQ(RunProgram({"survey"}).status, command::kSuccess);
+}
+
+TEST_F(ProgramTest, OutputThatCannotBeWrittenHasItsOwnStatus) {
+  const auto outcome = command::RunProgram({"survey"}, [](const std::string&) {
+    throw command::OutputError("No space left on device");
+  });
+  EXPECT_EQ(outcome.status, command::kOutputFailure);
+  EXPECT_EQ(outcome.error, "kestrel: the output could not be written: No space left on device");
+}
+
+TEST_F(ProgramTest, RecordWithoutAFileWritesToStandardOutput) {
+  const auto outcome = RunProgram({"record"});
+  EXPECT_EQ(outcome.status, command::kSuccess);
+  EXPECT_EQ(outcome.output.find("# Recorded by kestrel "), 0U);
+}
+
+TEST_F(ProgramTest, ExplanationIsASuccess) {
+  const auto outcome = RunProgram({"explain"});
+  EXPECT_EQ(outcome.status, command::kSuccess);
+  EXPECT_EQ(outcome.output.find("Processor\n"), 0U);
 }
 
 }  // namespace

@@ -34,6 +34,7 @@ TEST(SurveyTextTest, FailedPartsGiveTheirReason) {
             "\n"
             "GPUs\n"
             "  No hip devices found!\n"
+            "  'kestrel explain' looks for the reason\n"
             "\n"
             "Memory\n"
             "  Failed to get global memory status.\n");

@@ -28,10 +28,19 @@ says_why() {
   esac
 }
 
-sentence="kestrel: this processor lacks AVX2, or the operating system has not enabled it"
+sentence="kestrel: this processor lacks AVX2, or the operating system has not enabled it; \
+'kestrel explain' says more"
 run 70 survey
 says_why
 run 2 fits 1
 says_why
 run 0 --help
 run 64 survey --format xml
+run 0 explain
+case "$output" in
+  *"-> kestrelcore needs a processor with AVX2"* | *"-> the operating system or the hypervisor"*) ;;
+  *)
+    echo "no explanation in: $output" >&2
+    exit 1
+    ;;
+esac

@@ -1,0 +1,138 @@
+#include "command/record.h"
+
+#include <hip/hip_runtime_api.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <fstream>
+#include <iterator>
+#include <string_view>
+#include <system_error>
+
+#include "command/text.h"
+#include "command/version.h"
+
+namespace kestrel::command {
+
+namespace {
+
+// A faulty runtime may report any count.
+constexpr int kMostDevices = 1024;
+
+struct Status {
+  int number;
+  const char* name;
+};
+
+constexpr Status kStatuses[] = {
+#define STATUS(number, name, text) {number, #name},
+#define UNNAMED_STATUS(number, name) {number, #name},
+#include "simulator/statuses.inc"
+#undef STATUS
+#undef UNNAMED_STATUS
+};
+
+std::string NameOf(hipError_t status) {
+  const auto* const found =
+      std::find_if(std::begin(kStatuses), std::end(kStatuses),
+                   [&](const Status& entry) { return entry.number == status; });
+  return found != std::end(kStatuses) ? found->name : "hipErrorUnknown";
+}
+
+// A string of TOML. Texts have no control characters here.
+std::string Quoted(std::string_view text) {
+  std::string quoted = "\"";
+  for (const char letter : PrintableText(text, "?")) {
+    if (letter == '"' || letter == '\\') {
+      quoted += '\\';
+    }
+    quoted += letter;
+  }
+  return quoted + "\"";
+}
+
+// A runtime may fill the whole array, without a terminating NUL.
+template <std::size_t kSize>
+std::string_view TextOf(const char (&field)[kSize]) {
+  const auto* const end = std::find(std::begin(field), std::end(field), '\0');
+  return {field, static_cast<std::size_t>(end - field)};
+}
+
+// The machine file as it grows: its devices, and after them its faults.
+struct MachineText {
+  std::string devices;
+  std::string faults;
+
+  void AddFault(const char* operation, hipError_t status, int device) {
+    faults += "\n[[fault]]\noperation = \"" + std::string(operation) + "\"\n";
+    faults += "device = " + std::to_string(device) + "\nstatus = \"" + NameOf(status) + "\"\n";
+  }
+};
+
+void RecordDevice(MachineText& text, int device) {
+  hipDeviceProp_t properties{};
+  const hipError_t described = hipGetDeviceProperties(&properties, device);
+  if (described != hipSuccess) {
+    properties = {};
+    text.AddFault("hipGetDeviceProperties", described, device);
+  }
+  std::size_t free = 0;
+  std::size_t total = 0;
+  const hipError_t selected = hipSetDevice(device);
+  if (selected != hipSuccess) {
+    text.AddFault("hipSetDevice", selected, device);
+  } else if (const hipError_t queried = hipMemGetInfo(&free, &total); queried != hipSuccess) {
+    free = 0;
+    total = 0;
+    text.AddFault("hipMemGetInfo", queried, device);
+  }
+  text.devices += "\n[[device]]\nname = " + Quoted(TextOf(properties.name));
+  text.devices += "\narch = " + Quoted(TextOf(properties.gcnArchName));
+  text.devices += std::string("\nintegrated = ") + (properties.integrated != 0 ? "true" : "false");
+  text.devices += "\ntotal_memory = " + std::to_string(total);
+  text.devices += "\nfree_memory = " + std::to_string(free);
+  text.devices += "\nproperties_memory = " + std::to_string(properties.totalGlobalMem) + "\n";
+}
+
+}  // namespace
+
+std::string MachineFileText() {
+  const std::string head = std::string("# Recorded by kestrel ") + kVersion + ".\n";
+  int count = 0;
+  const hipError_t counted = hipGetDeviceCount(&count);
+  if (counted != hipSuccess) {
+    // The status that a machine without devices has by itself.
+    return head + "\ndevice = []\n" +
+           (counted == hipErrorNoDevice
+                ? ""
+                : "\n[[fault]]\noperation = \"hipGetDeviceCount\"\nstatus = \"" + NameOf(counted) +
+                      "\"\n");
+  }
+  if (count <= 0) {
+    return head + "\ndevice = []\nclaimed_device_count = " + std::to_string(count) + "\n";
+  }
+  MachineText text;
+  for (int device = 0; device < std::min(count, kMostDevices); ++device) {
+    RecordDevice(text, device);
+  }
+  return head + text.devices + text.faults;
+}
+
+Outcome RunRecord(const RecordRequest& request) {
+  const std::string text = MachineFileText();
+  if (request.file.empty()) {
+    return {kSuccess, text, ""};
+  }
+  errno = 0;
+  std::ofstream file(request.file, std::ios::binary);
+  file << text;
+  file.close();
+  if (!file) {
+    return {kOutputFailure, "",
+            "kestrel record: '" + request.file +
+                "' could not be written: " + std::generic_category().message(errno)};
+  }
+  return {};
+}
+
+}  // namespace kestrel::command

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+#include "command/command_line.h"
+#include "command/outcome.h"
+
+namespace kestrel::command {
+
+// The machine file of what the HIP runtime reports here. Where a call of the survey fails, the file
+// has the fault, so that the simulated machine fails as this one does. Names are kept as far as a
+// machine file can hold them: see PrintableText.
+std::string MachineFileText();
+
+Outcome RunRecord(const RecordRequest& request);
+
+}  // namespace kestrel::command

@@ -1,0 +1,144 @@
+// Recorded trees of /sys and /dev: what they show, and what is missing in them.
+
+#include "command/system_facts.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+
+#include "tests/platform/linux/child_process.h"
+#include "tests/platform/linux/machine_tree.h"
+
+namespace kestrel::tests {
+namespace {
+
+namespace fs = std::filesystem;
+using command::FileState;
+
+class SystemFactsTest : public testing::Test {
+ protected:
+  // Adds a card with its driver, as Linux 6.1 with amdgpu lays it out.
+  void AddCard(const std::string& name, const std::string& slot, const std::string& vendor,
+               const std::string& driver) {
+    const std::string device = "/sys/devices/pci0000:00/" + slot;
+    tree_.Write(device + "/vendor", vendor + "\n");
+    fs::create_directories(tree_.root() + "/sys/class/drm/" + name);
+    fs::create_symlink("../../../devices/pci0000:00/" + slot,
+                       tree_.root() + "/sys/class/drm/" + name + "/device");
+    if (!driver.empty()) {
+      fs::create_symlink("../../../bus/pci/drivers/" + driver, tree_.root() + device + "/driver");
+    }
+  }
+
+  void AddFigure(const std::string& slot, const std::string& file, const std::string& figure) {
+    tree_.Write("/sys/devices/pci0000:00/" + slot + "/" + file, figure + "\n");
+  }
+
+  MachineTree tree_;
+};
+
+TEST_F(SystemFactsTest, CardHasTheKernelsFigures) {
+  AddCard("card0", "0000:03:00.0", "0x1002", "amdgpu");
+  AddFigure("0000:03:00.0", "mem_info_vram_total", "8573157376");
+  AddFigure("0000:03:00.0", "mem_info_vram_used", "1073741824");
+  AddFigure("0000:03:00.0", "mem_info_gtt_total", "16809652224");
+  AddFigure("0000:03:00.0", "mem_info_gtt_used", "12345678");
+  const auto cards = command::ReadCards(tree_.root());
+  ASSERT_EQ(cards.size(), 1U);
+  EXPECT_EQ(cards[0].name, "card0");
+  EXPECT_EQ(cards[0].slot, "0000:03:00.0");
+  EXPECT_EQ(cards[0].driver, "amdgpu");
+  EXPECT_EQ(cards[0].vram_total, 8573157376U);
+  EXPECT_EQ(cards[0].vram_used, 1073741824U);
+  EXPECT_EQ(cards[0].gtt_total, 16809652224U);
+  EXPECT_EQ(cards[0].gtt_used, 12345678U);
+}
+
+TEST_F(SystemFactsTest, CardWithoutDriverHasNoFigures) {
+  AddCard("card0", "0000:03:00.0", "0x1002", "");
+  const auto cards = command::ReadCards(tree_.root());
+  ASSERT_EQ(cards.size(), 1U);
+  EXPECT_EQ(cards[0].driver, "");
+  EXPECT_EQ(cards[0].vram_total, std::nullopt);
+}
+
+TEST_F(SystemFactsTest, DamagedFigureIsNotReported) {
+  AddCard("card0", "0000:03:00.0", "0x1002", "amdgpu");
+  AddFigure("0000:03:00.0", "mem_info_vram_total", "12x");
+  EXPECT_EQ(command::ReadCards(tree_.root())[0].vram_total, std::nullopt);
+}
+
+TEST_F(SystemFactsTest, OtherMakersAndConnectorsAreNoCards) {
+  AddCard("card0", "0000:00:02.0", "0x8086", "i915");
+  AddCard("card1", "0000:03:00.0", "0x1002", "amdgpu");
+  AddCard("card1-DP-1", "0000:03:00.0", "0x1002", "");
+  const auto cards = command::ReadCards(tree_.root());
+  ASSERT_EQ(cards.size(), 1U);
+  EXPECT_EQ(cards[0].name, "card1");
+}
+
+TEST_F(SystemFactsTest, MachineWithoutSysHasNoCards) {
+  EXPECT_TRUE(command::ReadCards(tree_.root()).empty());
+}
+
+TEST_F(SystemFactsTest, MissingDeviceFilesAreNamed) {
+  const auto files = command::ReadDeviceFiles(tree_.root());
+  ASSERT_EQ(files.size(), 2U);
+  EXPECT_EQ(files[0].path, "/dev/kfd");
+  EXPECT_EQ(files[0].state, FileState::kMissing);
+  EXPECT_EQ(files[1].path, "/dev/dri/renderD128");
+  EXPECT_EQ(files[1].state, FileState::kMissing);
+}
+
+TEST_F(SystemFactsTest, EveryRenderNodeIsOpened) {
+  tree_.Write("/dev/kfd", "");
+  tree_.Write("/dev/dri/card0", "");
+  tree_.Write("/dev/dri/renderD129", "");
+  tree_.Write("/dev/dri/renderD128", "");
+  const auto files = command::ReadDeviceFiles(tree_.root());
+  ASSERT_EQ(files.size(), 3U);
+  for (const auto& file : files) {
+    EXPECT_EQ(file.state, FileState::kUsable) << file.path;
+    EXPECT_TRUE(file.in_group) << file.path;
+  }
+  EXPECT_EQ(files[1].path, "/dev/dri/renderD128");
+  EXPECT_EQ(files[2].path, "/dev/dri/renderD129");
+}
+
+// A directory cannot be opened for writing, whoever asks: so root sees a failure too.
+TEST_F(SystemFactsTest, FileThatCannotBeOpenedIsDeniedWithItsReason) {
+  fs::create_directories(tree_.root() + "/dev/kfd");
+  const auto files = command::ReadDeviceFiles(tree_.root());
+  EXPECT_EQ(files[0].state, FileState::kDenied);
+  EXPECT_EQ(files[0].error, "Is a directory");
+}
+
+TEST_F(SystemFactsTest, FileOfAnotherGroupIsDenied) {
+  if (geteuid() != 0) {
+    // Without root, no other user can be taken on; the mode 000 is refused as well.
+    tree_.Write("/dev/kfd", "");
+    chmod((tree_.root() + "/dev/kfd").c_str(), 0);
+    EXPECT_EQ(command::ReadDeviceFiles(tree_.root())[0].state, FileState::kDenied);
+    return;
+  }
+  tree_.Write("/dev/kfd", "");
+  chmod((tree_.root() + "/dev/kfd").c_str(), 0660);
+  fs::permissions(tree_.root(), fs::perms::others_exec, fs::perm_options::add);
+  const auto outcome = RunApart([this] {
+    if (setgid(65534) != 0 || setuid(65534) != 0) {
+      throw std::runtime_error("not another user");
+    }
+    const auto file = command::ReadDeviceFiles(tree_.root())[0];
+    if (file.state != FileState::kDenied || file.error != "Permission denied" ||
+        file.group != "root" || !file.group_may_use) {
+      throw std::runtime_error("not denied");
+    }
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
+}  // namespace
+}  // namespace kestrel::tests

@@ -1,0 +1,17 @@
+#include "command/processor_state.h"
+
+#include <gtest/gtest.h>
+
+#include "command/explanation.h"
+
+namespace kestrel::tests {
+namespace {
+
+// The compiler's runtime looks at the same registers.
+TEST(ProcessorStateTest, AgreesWithTheCompilersRuntime) {
+  const auto state = command::ReadProcessorState();
+  EXPECT_EQ(command::CanUseAvx2(state), __builtin_cpu_supports("avx2") != 0);
+}
+
+}  // namespace
+}  // namespace kestrel::tests

@@ -1,0 +1,95 @@
+#include "command/record.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "simulator/machine_file.h"
+#include "tests/command/machine.h"
+
+namespace kestrel::tests {
+namespace {
+
+class RecordTest : public testing::Test {
+ protected:
+  // The machine as it is after it was recorded and read again.
+  simulator::Machine Recorded() {
+    simulator::Install(machine_);
+    return simulator::ParseMachine(command::MachineFileText(), "recorded.toml");
+  }
+
+  simulator::Machine machine_ = InstallMachine();
+};
+
+TEST_F(RecordTest, DevicesKeepTheirFigures) {
+  machine_.devices[1].properties_memory = 3 * kGiB;
+  machine_.devices[1].free_memory = 5 * kGiB;
+  const auto recorded = Recorded();
+  ASSERT_EQ(recorded.devices.size(), 2U);
+  const auto& device = recorded.devices[1];
+  EXPECT_EQ(device.name, "Graphics");
+  EXPECT_EQ(device.arch, "gfx1103");
+  EXPECT_EQ(device.integrated, 1);
+  EXPECT_EQ(device.total_memory, 4 * kGiB);
+  EXPECT_EQ(device.free_memory, 5 * kGiB);
+  EXPECT_EQ(device.properties_memory, 3 * kGiB);
+  EXPECT_TRUE(recorded.faults.empty());
+}
+
+TEST_F(RecordTest, NamesSurviveQuotingAndFullLength) {
+  machine_.devices[0].name = "\"quoted\" \\ back";
+  machine_.devices[1].name = std::string(256, 'x');
+  const auto recorded = Recorded();
+  EXPECT_EQ(recorded.devices[0].name, "\"quoted\" \\ back");
+  EXPECT_EQ(recorded.devices[1].name, std::string(256, 'x'));
+}
+
+TEST_F(RecordTest, BytesThatAMachineFileCannotHoldAreReplaced) {
+  machine_.devices[0].name = "a\nb\xFF";
+  EXPECT_EQ(Recorded().devices[0].name, "a b?");
+}
+
+TEST_F(RecordTest, FailingQueriesBecomeFaults) {
+  machine_.faults = {{"hipGetDeviceProperties", 0, std::nullopt, hipErrorUnknown},
+                     {"hipMemGetInfo", 1, std::nullopt, hipErrorNotReady}};
+  const auto recorded = Recorded();
+  ASSERT_EQ(recorded.faults.size(), 2U);
+  EXPECT_EQ(recorded.faults[0].operation, "hipGetDeviceProperties");
+  EXPECT_EQ(recorded.faults[0].device, 0);
+  EXPECT_EQ(recorded.faults[0].status, hipErrorUnknown);
+  EXPECT_EQ(recorded.faults[1].operation, "hipMemGetInfo");
+  EXPECT_EQ(recorded.faults[1].device, 1);
+  EXPECT_EQ(recorded.faults[1].status, hipErrorNotReady);
+}
+
+TEST_F(RecordTest, DeviceThatCannotBeSelectedIsAFaultWithoutFigures) {
+  machine_.faults = {{"hipSetDevice", 1, std::nullopt, hipErrorInvalidDevice}};
+  const auto recorded = Recorded();
+  ASSERT_EQ(recorded.faults.size(), 1U);
+  EXPECT_EQ(recorded.faults[0].operation, "hipSetDevice");
+  EXPECT_EQ(recorded.devices[1].total_memory, 0U);
+}
+
+TEST_F(RecordTest, MachineWithoutDeviceHasNoFault) {
+  machine_ = {};
+  const auto recorded = Recorded();
+  EXPECT_TRUE(recorded.devices.empty());
+  EXPECT_TRUE(recorded.faults.empty());
+  EXPECT_EQ(recorded.claimed_device_count, std::nullopt);
+}
+
+TEST_F(RecordTest, RuntimeThatDoesNotStartIsAFault) {
+  machine_.faults = {{"hipGetDeviceCount", std::nullopt, std::nullopt, hipErrorNotInitialized}};
+  const auto recorded = Recorded();
+  ASSERT_EQ(recorded.faults.size(), 1U);
+  EXPECT_EQ(recorded.faults[0].status, hipErrorNotInitialized);
+}
+
+TEST_F(RecordTest, RuntimeThatCountsNoDeviceIsRecordedAsSuch) {
+  machine_ = {};
+  machine_.claimed_device_count = 0;
+  EXPECT_EQ(Recorded().claimed_device_count, 0);
+}
+
+}  // namespace
+}  // namespace kestrel::tests
