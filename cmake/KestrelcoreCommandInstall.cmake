@@ -5,3 +5,24 @@ install(FILES "${PROJECT_SOURCE_DIR}/command/survey.schema.json"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/kestrelcore" COMPONENT command)
 install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" "${PROJECT_SOURCE_DIR}/THIRD_PARTY_LICENSES"
         DESTINATION "${kestrelcore_docdir}-command" COMPONENT command)
+
+# Man pages and completions go with their program.
+function(kestrelcore_install_pages program component)
+  install(FILES "${kestrelcore_pages_dir}/${program}.1" DESTINATION "${CMAKE_INSTALL_MANDIR}/man1"
+          COMPONENT ${component})
+  install(FILES "${kestrelcore_pages_dir}/${program}.bash"
+          DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" RENAME "${program}"
+          COMPONENT ${component})
+  install(FILES "${kestrelcore_pages_dir}/_${program}"
+          DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions" COMPONENT ${component})
+  install(FILES "${kestrelcore_pages_dir}/${program}.fish"
+          DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d" COMPONENT ${component})
+endfunction()
+
+if(NOT CMAKE_CROSSCOMPILING AND NOT WIN32)
+  set(kestrelcore_pages_dir "${PROJECT_BINARY_DIR}/command/pages")
+  kestrelcore_install_pages(kestrel command)
+  if(KESTRELCORE_BUILD_HARNESS)
+    kestrelcore_install_pages(kestrel-harness harness)
+  endif()
+endif()

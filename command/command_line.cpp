@@ -89,6 +89,33 @@ FitsRequest ReadFits(const CLI::App& app) {
   return request;
 }
 
+WatchRequest ReadWatch(const CLI::App& app) {
+  WatchRequest request;
+  for (const std::string& text : app.get_option("PID")->results()) {
+    const auto pid = ParseNumber(text, kMaxInt);
+    if (!pid || *pid == 0) {
+      throw Refused{"PID '" + text + "' is not the number of a process, from 1"};
+    }
+    request.pids.push_back(static_cast<int>(*pid));
+  }
+  const std::string interval = Value(app, "--interval");
+  const auto time = ParseInterval(interval);
+  if (!time) {
+    throw Refused{"--interval '" + interval +
+                  "' is not a time from 1ms to a day, such as 500ms, 1s or 2m"};
+  }
+  request.interval = *time;
+  if (app.count("--count") > 0) {
+    const std::string count = Value(app, "--count");
+    request.count = ParseNumber(count, std::numeric_limits<std::uint64_t>::max());
+    if (request.count.value_or(0) == 0) {
+      throw Refused{"--count '" + count + "' is not a number of samples, from 1"};
+    }
+  }
+  request.json = Value(app, "--format") == "json";
+  return request;
+}
+
 Request Read(const CLI::App& app) {
   const std::string& name = app.get_name();
   if (name == "survey") {
@@ -96,6 +123,9 @@ Request Read(const CLI::App& app) {
   }
   if (name == "fits") {
     return ReadFits(app);
+  }
+  if (name == "watch") {
+    return ReadWatch(app);
   }
   if (name == "record") {
     return RecordRequest{Value(app, "FILE")};
@@ -120,6 +150,7 @@ void Fill(CLI::App& app) {
   for (const Subcommand& subcommand : KestrelManual().subcommands) {
     AddSubcommand(app, subcommand);
   }
+  app.get_subcommand("watch")->get_option("PID")->expected(1, -1)->allow_extra_args();
   app.footer("'kestrel SUBCOMMAND --help' describes a subcommand.");
 }
 

@@ -21,6 +21,13 @@ struct FitsRequest {
   int device = 0;  // asked if `vram`
 };
 
+struct WatchRequest {
+  std::vector<int> pids;
+  std::chrono::milliseconds interval{1000};
+  std::optional<std::uint64_t> count;  // samples; without end if not set
+  bool json = false;
+};
+
 struct ExplainRequest {};
 
 struct RecordRequest {
@@ -37,8 +44,8 @@ struct Refusal {
   std::string message;  // one line: what is wrong, and what is allowed
 };
 
-using Request =
-    std::variant<SurveyRequest, FitsRequest, ExplainRequest, RecordRequest, TextRequest, Refusal>;
+using Request = std::variant<SurveyRequest, FitsRequest, WatchRequest, ExplainRequest,
+                             RecordRequest, TextRequest, Refusal>;
 
 // Reads the arguments that follow the program's name.
 Request ParseCommandLine(std::vector<std::string> arguments);

@@ -50,6 +50,28 @@ Subcommand Fits() {
           "Start a program only if its 24 GiB fit"};
 }
 
+Subcommand Watch() {
+  return {
+      "watch",
+      "Show processes, free memory and free VRAM over time",
+      {"Samples the processor share and the resident memory of each process PID, the available "
+       "RAM, and the free VRAM of each GPU. The share is in percent of all processors.",
+       "On a terminal it draws a table with a graph for each line, until Ctrl-C. Elsewhere it "
+       "writes one line for each sample. It ends with the last of the processes."},
+      {{"PID", "", "PID", "The processes to watch; none watches the machine alone", {}, ""}},
+      {{"--interval", "", "TIME", "The time between samples, such as 500ms, 1s or 2m", {}, "1s"},
+       {"--count", "", "N", "End after N samples", {}, ""},
+       {"--format",
+        "",
+        "FORMAT",
+        "How samples are written; json is one object for each line",
+        {"text", "json"},
+        "text"},
+       kHelp},
+      "kestrel watch 4711 --interval 500ms",
+      "Watch process 4711 twice a second"};
+}
+
 Subcommand Explain() {
   return {"explain",
           "Explain which GPUs and which memory limit were found, and why",
@@ -87,7 +109,7 @@ const Manual& KestrelManual() {
        "The HIP runtime is found when it is needed; the program also runs without one. It needs a "
        "processor with AVX2; on others only kestrel explain does its work."},
       {kHelp, {"--version", "", "", "Print the version and end", {}, ""}},
-      {Survey(), Fits(), Explain(), Record()},
+      {Survey(), Fits(), Watch(), Explain(), Record()},
       {{kSuccess, "Success; for fits: it fits."},
        {kWouldFail, "fits only: it would fail."},
        {kUndetermined, "fits only: it cannot be determined."},

@@ -11,6 +11,7 @@
 #include "command/fits.h"
 #include "command/record.h"
 #include "command/survey.h"
+#include "command/watch.h"
 
 namespace kestrel::command {
 
@@ -22,6 +23,7 @@ struct Runner {
 
   Outcome operator()(const SurveyRequest& request) const { return RunSurvey(request); }
   Outcome operator()(const FitsRequest& request) const { return RunFits(request); }
+  Outcome operator()(const WatchRequest& request) const { return RunWatch(request, write); }
   Outcome operator()(const ExplainRequest& /*request*/) const { return RunExplain(write); }
   Outcome operator()(const RecordRequest& request) const { return RunRecord(request); }
   Outcome operator()(const TextRequest& request) const { return {kSuccess, request.text, ""}; }
@@ -35,6 +37,8 @@ template <>
 constexpr bool kNeedsAvx2<SurveyRequest> = true;
 template <>
 constexpr bool kNeedsAvx2<FitsRequest> = true;
+template <>
+constexpr bool kNeedsAvx2<WatchRequest> = true;
 
 template <typename Request>
 Outcome RunIfSupported(const Request& request, const Writer& write) {

@@ -1,9 +1,42 @@
 #pragma once
 
+#include "command/watch_table.h"
+
+// The terminal: defined once in command/linux and once in command/windows.
+
 namespace kestrel::command {
 
 // A reader that closes the pipe makes the next write fail instead of ending the process by a
 // signal.
 void KeepRunningAfterClosedPipe();
+
+// From here on, Ctrl-C and a request to end are noted instead of ending the process.
+void CatchInterrupts();
+bool IsInterrupted();
+
+// Whether standard output is a terminal.
+bool IsTerminal();
+
+// Whether the terminal shows UTF-8.
+bool ShowsUnicode();
+
+// 80 columns and 24 rows if the terminal does not say.
+ScreenSize TerminalSize();
+
+// As long as it exists, a terminal obeys the control sequences of ECMA-48, and what is written to
+// standard error, by a GPU runtime for instance, is kept back, so that it does not break the table.
+// The destructor writes it.
+class LiveTerminal {
+ public:
+  LiveTerminal();
+  LiveTerminal(const LiveTerminal&) = delete;
+  LiveTerminal& operator=(const LiveTerminal&) = delete;
+  ~LiveTerminal();
+
+ private:
+  int standard_error_ = -1;  // the file descriptor that it had
+  int kept_back_ = -1;       // the file with what was written
+  unsigned long mode_ = 0;   // of the console
+};
 
 }  // namespace kestrel::command

@@ -1,9 +1,80 @@
 #include "command/terminal.h"
 
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <array>
 #include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
 
 namespace kestrel::command {
 
+namespace {
+
+volatile std::sig_atomic_t interrupted = 0;
+
+}  // namespace
+
 void KeepRunningAfterClosedPipe() { std::signal(SIGPIPE, SIG_IGN); }
+
+void CatchInterrupts() {
+  struct sigaction action {};
+  action.sa_handler = [](int) { interrupted = 1; };
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    sigaction(signal, &action, nullptr);
+  }
+}
+
+bool IsInterrupted() { return interrupted != 0; }
+
+bool IsTerminal() { return isatty(STDOUT_FILENO) == 1; }
+
+// The first of these variables that is not empty decides (POSIX, "Environment Variables").
+bool ShowsUnicode() {
+  for (const char* const name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    const char* const value = std::getenv(name);
+    if (value != nullptr && *value != '\0') {
+      const std::string_view locale = value;
+      return locale.find("UTF-8") != std::string_view::npos ||
+             locale.find("utf8") != std::string_view::npos;
+    }
+  }
+  return false;
+}
+
+ScreenSize TerminalSize() {
+  winsize size{};
+  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0 || size.ws_row == 0) {
+    return {80, 24};
+  }
+  return {size.ws_col, size.ws_row};
+}
+
+LiveTerminal::LiveTerminal() {
+  std::FILE* const file = isatty(STDERR_FILENO) == 1 ? std::tmpfile() : nullptr;
+  if (file != nullptr) {
+    kept_back_ = dup(fileno(file));
+    std::fclose(file);
+    standard_error_ = dup(STDERR_FILENO);
+    dup2(kept_back_, STDERR_FILENO);
+  }
+}
+
+LiveTerminal::~LiveTerminal() {
+  if (kept_back_ < 0) {
+    return;
+  }
+  dup2(standard_error_, STDERR_FILENO);
+  lseek(kept_back_, 0, SEEK_SET);
+  std::array<char, 4096> buffer;
+  ssize_t size = 0;
+  while ((size = read(kept_back_, buffer.data(), buffer.size())) > 0 &&
+         write(STDERR_FILENO, buffer.data(), static_cast<std::size_t>(size)) == size) {
+  }
+  close(kept_back_);
+  close(standard_error_);
+}
 
 }  // namespace kestrel::command

@@ -1,7 +1,80 @@
 #include "command/terminal.h"
 
+#include <io.h>
+#include <windows.h>
+
+#include <array>
+#include <atomic>
+#include <cstdio>
+
 namespace kestrel::command {
 
+namespace {
+
+std::atomic<bool> interrupted{false};
+
+BOOL WINAPI NoteInterrupt(DWORD /*event*/) {
+  interrupted = true;
+  return TRUE;
+}
+
+HANDLE Console() { return GetStdHandle(STD_OUTPUT_HANDLE); }
+
+constexpr int kStandardError = 2;
+
+}  // namespace
+
 void KeepRunningAfterClosedPipe() {}  // Windows has no such signal
+
+void CatchInterrupts() { SetConsoleCtrlHandler(NoteInterrupt, TRUE); }
+
+bool IsInterrupted() { return interrupted; }
+
+bool IsTerminal() {
+  DWORD mode = 0;
+  return GetConsoleMode(Console(), &mode) != 0;
+}
+
+bool ShowsUnicode() { return SetConsoleOutputCP(CP_UTF8) != 0; }
+
+ScreenSize TerminalSize() {
+  CONSOLE_SCREEN_BUFFER_INFO info{};
+  if (GetConsoleScreenBufferInfo(Console(), &info) == 0) {
+    return {80, 24};
+  }
+  return {static_cast<std::size_t>(info.srWindow.Right - info.srWindow.Left + 1),
+          static_cast<std::size_t>(info.srWindow.Bottom - info.srWindow.Top + 1)};
+}
+
+LiveTerminal::LiveTerminal() {
+  if (GetConsoleMode(Console(), &mode_) != 0) {
+    SetConsoleMode(Console(), mode_ | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+  }
+  std::FILE* const file = _isatty(kStandardError) != 0 ? std::tmpfile() : nullptr;
+  if (file != nullptr) {
+    kept_back_ = _dup(_fileno(file));
+    std::fclose(file);
+    standard_error_ = _dup(kStandardError);
+    _dup2(kept_back_, kStandardError);
+  }
+}
+
+LiveTerminal::~LiveTerminal() {
+  if (mode_ != 0) {
+    SetConsoleMode(Console(), mode_);
+  }
+  if (kept_back_ < 0) {
+    return;
+  }
+  _dup2(standard_error_, kStandardError);
+  _lseek(kept_back_, 0, SEEK_SET);
+  std::array<char, 4096> buffer{};
+  int size = 0;
+  while ((size = _read(kept_back_, buffer.data(), static_cast<unsigned>(buffer.size()))) > 0 &&
+         _write(kStandardError, buffer.data(), static_cast<unsigned>(size)) == size) {
+  }
+  _close(kept_back_);
+  _close(standard_error_);
+}
 
 }  // namespace kestrel::command

@@ -34,6 +34,8 @@ run 70 survey
 says_why
 run 2 fits 1
 says_why
+run 70 watch --count 1
+says_why
 run 0 --help
 run 64 survey --format xml
 run 0 explain

@@ -12,5 +12,7 @@ string(REGEX REPLACE "[0-9.]+ [KMGTP]?i?B (too much .\\(real)" "(real) \\1" actu
 string(REGEX REPLACE "(fits: 1 B leaves )[0-9.]+ [KMGTP]?i?B" "\\1(real)" actual "${actual}")
 string(REGEX REPLACE "(\"?version\"?(: |=)\")[0-9.]+" "\\1(real)" actual "${actual}")
 string(REGEX REPLACE "(Recorded by kestrel )[0-9.]+[0-9]" "\\1(real)" actual "${actual}")
+string(REGEX REPLACE "(RAM )[0-9.]+ [KMGTP]?i?B" "\\1(real)" actual "${actual}")
+string(REGEX REPLACE "(\"time_ms\":|\"memory_available_bytes\":)[0-9]+" "\\1(real)" actual "${actual}")
 # The name of the program has a suffix on Windows.
 string(REPLACE "kestrel.exe" "kestrel" actual "${actual}")

@@ -1,0 +1,93 @@
+#!/bin/bash
+# check_pages.sh FOLDER HARNESS: the man pages are without warnings, and each shell completes by the
+# file for it. HARNESS is the program, whose help has the same options as its page.
+set -u
+
+folder=$1
+harness=$2
+
+fail() {
+  echo "$1" >&2
+  exit 1
+}
+
+for program in kestrel kestrel-harness; do
+  warnings=$(man --warnings -E UTF-8 -l -Tutf8 -Z "$folder/$program.1" 2>&1 >/dev/null)
+  [ -z "$warnings" ] || fail "$program.1: $warnings"
+  MANWIDTH=80 man -E UTF-8 -l "$folder/$program.1" | grep -q "$program  *- " ||
+    fail "$program.1 has no name line"
+done
+
+for option in $("$harness" --help | grep -o -- '--[a-z_-]*'); do
+  for file in kestrel-harness.bash _kestrel-harness; do
+    grep -q -e "$option" "$folder/$file" || fail "$file lacks $option"
+  done
+  grep -q -e "-l ${option#--} " "$folder/kestrel-harness.fish" || fail "fish lacks $option"
+done
+
+# bash: what the words of the line, the last of them unfinished, are completed to.
+in_bash() {
+  # shellcheck disable=SC2016 # the inner shell expands these
+  bash --norc -c '
+    . "$1"
+    shift
+    compopt() { :; }  # only within a completion that the shell itself began
+    COMP_WORDS=("$@")
+    COMP_CWORD=$(($# - 1))
+    "_${1//-/_}"
+    echo "${COMPREPLY[*]}"' bash "$folder/$1.bash" "$@"
+}
+expect() {
+  [ "$1" = "$2" ] || fail "'$1' instead of '$2'"
+}
+expect "$(in_bash kestrel su)" survey
+expect "$(in_bash kestrel survey --format j)" json
+expect "$(in_bash kestrel survey --format = pro)" prometheus
+expect "$(in_bash kestrel survey --f)" --format
+expect "$(in_bash kestrel fits --d)" --device
+expect "$(in_bash kestrel fits --device '')" ""
+in_bash kestrel watch "$$" | grep -q -w "$$" || fail "bash does not complete processes"
+expect "$(in_bash kestrel-harness --cpu)" --cpu-test
+in_bash kestrel-harness -p "$$" | grep -q -w "$$" || fail "bash does not complete -p"
+
+# An interactive bash, with a key.
+# shellcheck disable=SC2016
+typed=$(printf '%s\n' ". '$folder/kestrel.bash'" 'kestrel() { echo "run: $*"; }' \
+  $'kestrel expl\t' exit | TERM=dumb bash --norc -i 2>/dev/null)
+case "$typed" in
+  *"run: explain"*) ;;
+  *) fail "interactive: $typed" ;;
+esac
+
+in_fish() {
+  fish --no-config -c "source '$folder/kestrel.fish'; source '$folder/kestrel-harness.fish'
+    complete -C '$1'" | cut -f 1 | tr '\n' ' '
+}
+expect "$(in_fish 'kestrel su')" "survey "
+expect "$(in_fish 'kestrel survey --format j')" "json "
+expect "$(in_fish 'kestrel-harness --cpu')" "--cpu-test "
+
+expect "$(timeout 60 zsh -n "$folder/_kestrel" 2>&1)" ""
+expect "$(timeout 60 zsh -n "$folder/_kestrel-harness" 2>&1)" ""
+
+# zsh completes in its line editor alone, so it is given a terminal.
+socket=kestrel-zsh-$$
+trap 'tmux -L "$socket" kill-server 2>/dev/null' EXIT
+tmux -L "$socket" -f /dev/null new-session -d -x 80 -y 24 zsh -f
+tmux -L "$socket" send-keys \
+  "fpath=('$folder' \$fpath); autoload -Uz compinit; compinit -u -D; clear; echo ready" Enter
+await() {
+  tries=0
+  while ! tmux -L "$socket" capture-pane -p | grep -q "$1"; do
+    tries=$((tries + 1))
+    [ "$tries" -le 300 ] || fail "zsh: no '$1' in $(tmux -L "$socket" capture-pane -p)"
+    sleep 0.1
+  done
+}
+await '^ready'
+tmux -L "$socket" send-keys 'kestrel expl' Tab
+await 'kestrel explain'
+tmux -L "$socket" send-keys C-u 'kestrel survey --format j' Tab
+await 'kestrel survey --format json'
+tmux -L "$socket" send-keys C-u 'kestrel-harness --cpu' Tab
+await 'kestrel-harness --cpu-test'

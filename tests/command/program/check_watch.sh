@@ -1,0 +1,59 @@
+#!/bin/sh
+# check_watch.sh PROGRAM: the live table in a terminal, at 80 and at 40 columns, while a process
+# ends, and after Ctrl-C. Waits for what it looks for, for 30 seconds at most.
+set -u
+
+kestrel=$1
+socket=kestrel-watch-$$
+export LC_ALL=C.UTF-8
+
+tmux_do() {
+  tmux -L "$socket" -f /dev/null "$@"
+}
+
+finish() {
+  tmux_do kill-server 2>/dev/null
+  kill "$first" "$second" 2>/dev/null
+}
+
+# Waits until the screen has a line that matches $1, or fails.
+await() {
+  tries=0
+  while ! tmux_do capture-pane -p | grep -q "$1"; do
+    tries=$((tries + 1))
+    if [ "$tries" -gt 300 ]; then
+      echo "'$1' never came:" >&2
+      tmux_do capture-pane -p >&2
+      exit 1
+    fi
+    sleep 0.1
+  done
+}
+
+sleep 60 &
+first=$!
+sleep 60 &
+second=$!
+trap finish EXIT
+
+tmux_do new-session -d -x 80 -y 12
+tmux_do send-keys "clear; '$kestrel' watch $first $second --interval 100ms; echo status \$?" Enter
+await "^PID $first  *0.0 %  .*B"
+# Graphs fill 46 columns of the 80 after 46 samples.
+await '^available RAM  *[0-9.]* .iB  .\{46\}$'
+tmux_do capture-pane -p
+
+tmux_do resize-window -x 40 -y 12
+await '^available RAM  *[0-9.]* .iB  .\{6\}$'
+tmux_do capture-pane -p
+if tmux_do capture-pane -p | grep -q '.\{41\}'; then
+  echo "a line is wider than 40 columns" >&2
+  exit 1
+fi
+
+kill "$first"
+await "^PID $first  *ended$"
+tmux_do send-keys C-c
+await '^status 0$'
+await "^PID $second "
+tmux_do capture-pane -p

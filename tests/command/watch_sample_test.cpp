@@ -1,0 +1,65 @@
+#include "command/watch_sample.h"
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/command/machine.h"
+
+namespace kestrel::tests {
+namespace {
+
+using command::Sample;
+
+Sample ExampleSample() {
+  Sample sample;
+  sample.time = std::chrono::milliseconds(1'700'000'000'123);
+  sample.available_bytes = 6 * kGiB;
+  sample.vram = {{0, 8 * kGiB, 7 * kGiB}, {1, 4 * kGiB, std::nullopt}};
+  sample.processes = {{4711, true, 12.5F, kGiB}, {12, false, 0, std::nullopt}};
+  return sample;
+}
+
+TEST(WatchSampleTest, TextIsOneLine) {
+  EXPECT_EQ(command::SampleText(ExampleSample()),
+            "RAM 6.00 GiB available; VRAM 0 7.00 GiB free; VRAM 1 unknown free; PID 4711 12.5 % "
+            "1.00 GiB; PID 12 ended\n");
+}
+
+TEST(WatchSampleTest, JsonIsOneLineWithNullForWhatIsUnknown) {
+  const std::string text = command::SampleJson(ExampleSample());
+  EXPECT_EQ(text.find('\n'), text.size() - 1);
+  const auto json = nlohmann::json::parse(text);
+  EXPECT_EQ(json["time_ms"], 1'700'000'000'123);
+  EXPECT_EQ(json["memory_available_bytes"], 6 * kGiB);
+  EXPECT_EQ(json["gpus"][0]["memory_free_bytes"], 7 * kGiB);
+  EXPECT_TRUE(json["gpus"][1]["memory_free_bytes"].is_null());
+  EXPECT_EQ(json["processes"][0]["cpu_percent"], 12.5);
+  EXPECT_EQ(json["processes"][0]["resident_bytes"], kGiB);
+  EXPECT_EQ(json["processes"][1]["running"], false);
+  EXPECT_TRUE(json["processes"][1]["cpu_percent"].is_null());
+}
+
+TEST(WatchSampleTest, MemoryIsMeasuredForRunningProcessesAlone) {
+  InstallMachine();
+  Platform().resident_bytes = 5 * kGiB;
+  Sample sample = ExampleSample();
+  command::MeasureMemory(sample);
+  EXPECT_EQ(sample.available_bytes, 6 * kGiB);
+  EXPECT_EQ(sample.vram[1].free_bytes, 3 * kGiB);
+  EXPECT_EQ(sample.processes[0].resident_bytes, 5 * kGiB);
+  EXPECT_EQ(sample.processes[1].resident_bytes, std::nullopt);
+}
+
+TEST(WatchSampleTest, FiguresThatCannotBeReadAreUnknown) {
+  InstallMachine();
+  Platform().Fail("QueryMemoryStatus");
+  simulator::Install({});
+  Sample sample = ExampleSample();
+  command::MeasureMemory(sample);
+  EXPECT_EQ(sample.available_bytes, std::nullopt);
+  EXPECT_EQ(sample.vram[0].free_bytes, std::nullopt);
+}
+
+}  // namespace
+}  // namespace kestrel::tests

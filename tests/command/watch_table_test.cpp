@@ -1,0 +1,87 @@
+#include "command/watch_table.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace kestrel::tests {
+namespace {
+
+using command::Sample;
+using command::WatchTable;
+
+constexpr std::uint64_t kGiB = std::uint64_t{1} << 30U;
+
+// Columns that a line takes: characters, not bytes.
+std::size_t Columns(const std::string& line) {
+  std::size_t columns = 0;
+  for (const char letter : line) {
+    columns += (static_cast<unsigned char>(letter) & 0xC0U) != 0x80 ? 1 : 0;
+  }
+  return columns;
+}
+
+Sample ExampleSample(float percent) {
+  Sample sample;
+  sample.physical_bytes = 16 * kGiB;
+  sample.available_bytes = 8 * kGiB;
+  sample.vram = {{0, 8 * kGiB, 8 * kGiB}, {1, 8 * kGiB, std::nullopt}};
+  sample.processes = {{4711, true, percent, kGiB}, {12, false, 0, std::nullopt}};
+  return sample;
+}
+
+WatchTable FilledTable(bool blocks = false) {
+  WatchTable table("kestrel watch", blocks);
+  for (const float percent : {0.0F, 25.0F, 50.0F}) {
+    table.Add(ExampleSample(percent));
+  }
+  return table;
+}
+
+TEST(WatchTableTest, EachLineHasItsFigureAndItsGraph) {
+  EXPECT_EQ(FilledTable().Lines({80, 24}),
+            (std::vector<std::string>{
+                "kestrel watch", "available RAM           8.00 GiB  ===",
+                "free VRAM 0             8.00 GiB  ###", "free VRAM 1              unknown     ",
+                "PID 4711        50.0 %  1.00 GiB   =#", "PID 12                     ended     "}));
+}
+
+TEST(WatchTableTest, GraphsUseBlocksOnATerminalThatShowsThem) {
+  EXPECT_EQ(FilledTable(true).Lines({80, 24})[4],
+            "PID 4711        50.0 %  1.00 GiB   \u2584\u2588");
+}
+
+TEST(WatchTableTest, NoLineIsWiderThanTheScreen) {
+  WatchTable table("kestrel watch, every 1000 ms, Ctrl-C ends", true);
+  for (int i = 0; i < 2000; ++i) {
+    table.Add(ExampleSample(50));
+  }
+  for (std::size_t columns = 1; columns < 300; ++columns) {
+    for (const std::string& line : table.Lines({columns, 24})) {
+      EXPECT_LE(Columns(line), columns) << line;
+    }
+  }
+  EXPECT_EQ(Columns(table.Lines({80, 24})[1]), 80U);
+  EXPECT_EQ(Columns(table.Lines({40, 24})[1]), 40U);
+}
+
+TEST(WatchTableTest, ScreenThatIsTooLowSaysHowMuchIsHidden) {
+  const auto lines = FilledTable().Lines({80, 4});
+  ASSERT_EQ(lines.size(), 4U);
+  EXPECT_EQ(lines.back(), "... 3 more lines");
+  EXPECT_EQ(FilledTable().Lines({80, 1}).size(), 1U);
+  EXPECT_EQ(FilledTable().Lines({80, 6}).size(), 6U);
+}
+
+TEST(WatchTableTest, LongFiguresKeepTheirDigits) {
+  WatchTable table("", false);
+  Sample sample = ExampleSample(1234.5F);
+  sample.processes[0].pid = 2147483647;
+  sample.processes[0].resident_bytes = 1023 * kGiB;
+  table.Add(sample);
+  EXPECT_EQ(table.Lines({80, 24})[4], "PID 2147483647 1234.5 %  1023.00 GiB");
+}
+
+}  // namespace
+}  // namespace kestrel::tests
