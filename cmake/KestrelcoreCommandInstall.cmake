@@ -26,3 +26,13 @@ if(NOT CMAKE_CROSSCOMPILING AND NOT WIN32)
     kestrelcore_install_pages(kestrel-harness harness)
   endif()
 endif()
+
+# For the systems that run on many machines: docs/fleet.md.
+if(NOT WIN32)
+  set(fleet "${PROJECT_SOURCE_DIR}/packaging/fleet")
+  install(PROGRAMS "${fleet}/kestrel.fact" "${fleet}/kestrel-report"
+          DESTINATION "${CMAKE_INSTALL_DATADIR}/kestrelcore/fleet" COMPONENT command)
+  install(FILES "${fleet}/kestrel-metrics.service" "${fleet}/kestrel-metrics.timer"
+                "${fleet}/kestrel-features.service"
+          DESTINATION "${CMAKE_INSTALL_DATADIR}/kestrelcore/fleet" COMPONENT command)
+endif()

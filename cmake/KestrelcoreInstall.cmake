@@ -34,7 +34,7 @@ install(FILES "${installed_export_header}"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kestrelcore" COMPONENT development)
 install(FILES LICENSE CHANGELOG.md DESTINATION "${kestrelcore_docdir}" COMPONENT runtime)
 foreach(page quick-start figures memory-in-containers simulator deployment hip-runtimes c-and-python
-             windows compatibility)
+             windows compatibility fleet)
   install(FILES "docs/${page}.md" DESTINATION "${kestrelcore_docdir}" COMPONENT development)
 endforeach()
 if(NOT WIN32 AND KESTRELCORE_HIP STREQUAL "linked")

@@ -116,9 +116,6 @@ if(KESTRELCORE_BUILD_COMMAND AND KESTRELCORE_BUILD_HARNESS)
     COMPONENTS command harness
     DEPENDS "${kestrelcore_deb_library} (= ${kestrelcore_deb_version})"
     SUGGESTS "libamdhip64-5 | libamdhip64-6 | libamdhip64-7")
-  install(FILES "${PROJECT_SOURCE_DIR}/packaging/kestrel.1"
-                "${PROJECT_SOURCE_DIR}/packaging/kestrel-harness.1"
-          DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT harness)
 endif()
 if(KESTRELCORE_BUILD_SIMULATOR)
   kestrelcore_deb(
