@@ -35,12 +35,21 @@ elseif(NOT MSVC)
   target_compile_options(kestrelcore_test_common INTERFACE -O1 -g1)
 endif()
 
+# The suites that start threads. With the thread sanitizer no others are built, since a single thread
+# has no data races.
+set(kestrelcore_threaded_suites binding_test c_threads_test hip_runtime_test process_test
+                                threads_test)
+
 # Adds a test program, with one ctest test for each test case. PREFIX goes before the names of the
 # cases, for cases that several programs contain.
 function(kestrelcore_add_test name)
   cmake_parse_arguments(arg "" "PREFIX" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE kestrelcore_test_common GTest::gtest_main ${arg_LIBRARIES})
+  if(KESTRELCORE_SANITIZERS STREQUAL "thread" AND NOT name IN_LIST kestrelcore_threaded_suites)
+    set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
+    return()
+  endif()
   set(prefix "")
   if(arg_PREFIX)
     set(prefix TEST_PREFIX "${arg_PREFIX}")  # newer CMakes warn of an empty one
