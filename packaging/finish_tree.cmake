@@ -29,6 +29,9 @@ function(finish_debian_tree tree package)
        "kestrelcore (${version}) unstable; urgency=medium\n\n"
        "  * The changes of this release are in changelog.gz.\n\n"
        " -- ${CPACK_PACKAGE_CONTACT}  ${date}\n")
+  if(EXISTS "${tree}/usr/share/zsh/site-functions")
+    file(RENAME "${tree}/usr/share/zsh/site-functions" "${tree}/usr/share/zsh/vendor-completions")
+  endif()
   file(GLOB_RECURSE manuals "${tree}/usr/share/man/*")
   execute_process(COMMAND gzip -9 --no-name "${documents}/changelog" "${documents}/changelog.Debian"
                           ${manuals} COMMAND_ERROR_IS_FATAL ANY)
