@@ -65,6 +65,8 @@ Outcome RunProgram(std::vector<std::string> arguments, const Writer& write) {
             std::string("kestrel: the output could not be written: ") + error.what()};
   } catch (const std::exception& exception) {
     return {kFailure, "", std::string("kestrel: ") + exception.what()};
+  } catch (...) {  // only a GPU runtime throws anything else
+    return {kFailure, "", "kestrel: the GPU runtime threw an exception"};
   }
 }
 

@@ -58,6 +58,12 @@ TEST_F(ProgramTest, OutputThatCannotBeWrittenHasItsOwnStatus) {
   EXPECT_EQ(outcome.error, "kestrel: the output could not be written: No space left on device");
 }
 
+TEST_F(ProgramTest, ExceptionOfAnyTypeIsAFailure) {
+  const auto outcome = command::RunProgram({"record"}, [](const std::string&) { throw 7; });
+  EXPECT_EQ(outcome.status, command::kFailure);
+  EXPECT_EQ(outcome.error, "kestrel: the GPU runtime threw an exception");
+}
+
 TEST_F(ProgramTest, RecordWithoutAFileWritesToStandardOutput) {
   const auto outcome = RunProgram({"record"});
   EXPECT_EQ(outcome.status, command::kSuccess);
