@@ -105,7 +105,7 @@ void ExplainApu(Section& section, const Card& card, const Gpu& gpu) {
   const bool carve_out = card.vram_total && card.gtt_total && *card.gtt_total > *card.vram_total &&
                          IsAbout(*card.vram_total, gpu.total_bytes);
   if (gpu.integration == "Integrated" && carve_out) {
-    section.seen.push_back("  HIP counts only the part of the RAM that the firmware set apart");
+    section.seen.emplace_back("  HIP counts only the part of the RAM that the firmware set apart");
     AddAdvice(section, "for more memory on device " + std::to_string(gpu.device) +
                            ", raise the graphics memory in the firmware's settings");
   }

@@ -49,17 +49,18 @@ std::string Quoted(const std::string& text, const char* quote) {
   return quoted + "'";
 }
 
-// What the shell offers for the values of options: the words, or nothing where any value will do.
+std::string BashValue(const std::string& command, const Parameter& option) {
+  const std::string letter =
+      option.letter.empty() ? "" : " | '" + command + " -" + option.letter + "'";
+  const std::string words = option.value == "PID" ? "$(ps -e -o pid=)" : Joined(option.values);
+  return "    '" + command + " " + option.name + "'" + letter + ") words=\"" + words + "\" ;;\n";
+}
+
+// What the shell offers for the values of options: words, or none where any value will do.
 std::string BashValues(const std::string& command, const std::vector<Parameter>& options) {
   std::string text;
   for (const Parameter& option : options) {
-    if (!option.value.empty()) {
-      const std::string words = option.value == "PID" ? "$(ps -e -o pid=)" : Joined(option.values);
-      const std::string letter =
-          option.letter.empty() ? "" : " | '" + command + " -" + option.letter + "'";
-      text +=
-          "    '" + command + " " + option.name + "'" + letter + ") words=\"" + words + "\" ;;\n";
-    }
+    text += option.value.empty() ? "" : BashValue(command, option);
   }
   return text;
 }

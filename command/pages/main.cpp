@@ -28,14 +28,16 @@ int main(int argc, char** argv) {
     std::fputs("usage: kestrel-pages FOLDER\n", stderr);
     return 2;
   }
-  const std::string folder = std::string(argv[1]) + "/";
   bool written = true;
+  const auto write = [&](const std::string& name, const std::string& text) {
+    written = Write(std::string(argv[1]) + "/" + name, text) && written;
+  };
   for (const Manual* const manual : {&KestrelManual(), &HarnessManual()}) {
     const std::string& name = manual->program;
-    written = Write(folder + name + ".1", ManPage(*manual, kVersion)) && written;
-    written = Write(folder + name + ".bash", BashCompletion(*manual)) && written;
-    written = Write(folder + "_" + name, ZshCompletion(*manual)) && written;
-    written = Write(folder + name + ".fish", FishCompletion(*manual)) && written;
+    write(name + ".1", ManPage(*manual, kVersion));
+    write(name + ".bash", BashCompletion(*manual));
+    write("_" + name, ZshCompletion(*manual));
+    write(name + ".fish", FishCompletion(*manual));
   }
   return written ? 0 : 1;
 }

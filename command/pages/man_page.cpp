@@ -88,7 +88,7 @@ std::string ExitStatuses(const Manual& manual) {
 }  // namespace
 
 std::string ManPage(const Manual& manual, const std::string& version) {
-  std::string text = ".TH " + InCapitals(Escaped(manual.program)) + " 1 \"\" \"kestrelcore " +
+  std::string text = ".TH " + InCapitals(Escaped(manual.program)) + R"( 1 "" "kestrelcore )" +
                      version + "\" \"User Commands\"\n";
   text += ".SH NAME\n" + Escaped(manual.program) + " \\- " + Escaped(manual.summary) + "\n";
   text += ".SH SYNOPSIS\n" + Bold(manual.program) + " [" + Italic("OPTIONS") + "]";
