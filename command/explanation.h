@@ -12,7 +12,7 @@ namespace kestrel::command {
 struct Section {
   std::string title;
   std::vector<std::string> seen;    // what was seen, and from which source
-  std::vector<std::string> advice;  // what to do; empty if nothing is wrong
+  std::vector<std::string> advice;  // what to do; empty if all is well
 };
 
 // Whether a program that uses AVX2 can run: CPUID shows it, and the operating system saves the

@@ -6,7 +6,7 @@ namespace kestrel::command {
 
 namespace {
 
-// XGETBV, by its bytes: compilers know its name only where they are told to use all of AVX.
+// XGETBV, by its bytes: compilers accept its name only with options that allow AVX everywhere.
 std::uint64_t ReadXcr0() {
   std::uint32_t low = 0;
   std::uint32_t high = 0;

@@ -15,7 +15,7 @@ bool IsAlphanumeric(char letter) {
          (letter >= 'a' && letter <= 'z');
 }
 
-// The value of a label has at most 63 characters, letters and digits at both ends and nothing but
+// The value of a label has at most 63 characters, letters and digits at both ends, and only
 // them, '-', '_' and '.' between
 // (https://kubernetes.io/docs/concepts/overview/working-with-objects/labels/).
 std::string LabelValue(std::string_view text) {
