@@ -24,12 +24,12 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds kAttention{50};
 
 // The shares of processes over one interval, each measured by a thread of its own, since the meter
-// blocks. A user who interrupts does not wait for them: the threads own this record together with
-// their starter and end by themselves.
+// blocks. The threads own this record together with their starter.
 class Shares {
  public:
   static std::shared_ptr<Shares> Start(const std::vector<ProcessSample>& processes,
-                                       std::chrono::milliseconds interval) {
+                                       std::chrono::milliseconds interval,
+                                       std::vector<std::thread>& threads) {
     auto shares = std::make_shared<Shares>();
     shares->processes_ = processes;
     const auto running = std::count_if(processes.begin(), processes.end(),
@@ -37,7 +37,7 @@ class Shares {
     shares->pending_ = static_cast<std::size_t>(running);
     for (std::size_t i = 0; i < processes.size(); ++i) {
       if (processes[i].running) {
-        std::thread([=] { shares->Measure(i, interval); }).detach();
+        threads.emplace_back([=] { shares->Measure(i, interval); });
       }
     }
     return shares;
@@ -69,6 +69,34 @@ class Shares {
   std::condition_variable complete_;
   std::vector<ProcessSample> processes_;
   std::size_t pending_ = 0;
+};
+
+// The threads of one interval. A user who interrupts does not wait for them: those that were not
+// joined end by themselves.
+class Threads {
+ public:
+  Threads() = default;
+  Threads(const Threads&) = delete;
+  Threads& operator=(const Threads&) = delete;
+  ~Threads() {
+    for (std::thread& thread : threads_) {
+      if (thread.joinable()) {
+        thread.detach();
+      }
+    }
+  }
+
+  std::vector<std::thread>& list() { return threads_; }
+
+  // On Windows, a process that ends while one of its threads ends may hang.
+  void Join() {
+    for (std::thread& thread : threads_) {
+      thread.join();
+    }
+  }
+
+ private:
+  std::vector<std::thread> threads_;
 };
 
 bool AnyRuns(const Sample& sample) {
@@ -161,7 +189,8 @@ Sample FirstSample(const WatchRequest& request) {
 // Takes one sample over the interval. Returns false if the user interrupts.
 bool TakeSample(Sample& sample, std::chrono::milliseconds interval, Display& display) {
   const Clock::time_point end = Clock::now() + interval;
-  const auto shares = Shares::Start(sample.processes, interval);
+  Threads threads;
+  const auto shares = Shares::Start(sample.processes, interval, threads.list());
   while (!shares->AreComplete() || (Clock::now() < end && sample.processes.empty())) {
     if (IsInterrupted()) {
       return false;
@@ -172,6 +201,7 @@ bool TakeSample(Sample& sample, std::chrono::milliseconds interval, Display& dis
           std::clamp<Clock::duration>(end - Clock::now(), Clock::duration::zero(), kAttention));
     }
   }
+  threads.Join();
   sample.processes = shares->processes();
   MeasureMemory(sample);
   sample.time = std::chrono::duration_cast<std::chrono::milliseconds>(
