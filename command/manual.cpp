@@ -107,14 +107,14 @@ const Manual& KestrelManual() {
       {"Reports the processor, the GPUs that the AMD HIP runtime sees, and the memory that is free "
        "to a process under the limits of its container.",
        "The HIP runtime is found when it is needed; the program also runs without one. It needs a "
-       "processor with AVX2; on others only kestrel explain does its work."},
+       "processor with AVX2; on others only kestrel explain and kestrel record do their work."},
       {kHelp, {"--version", "", "", "Print the version and end", {}, ""}},
       {Survey(), Fits(), Watch(), Explain(), Record()},
       {{kSuccess, "Success; for fits: it fits."},
        {kWouldFail, "fits only: it would fail."},
-       {kUndetermined, "fits only: it cannot be determined."},
+       {kUndetermined, "fits only: undetermined, or the processor lacks AVX2."},
        {kWrongUsage, "The command line is wrong."},
-       {kFailure, "A figure could not be read, or the processor lacks AVX2."},
+       {kFailure, "Except for fits: a figure could not be read, or the processor lacks AVX2."},
        {kOutputFailure, "The output could not be written."}},
       {"kestrel-harness(1)"}};
   return manual;
