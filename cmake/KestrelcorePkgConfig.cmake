@@ -10,7 +10,7 @@ function(kestrelcore_install_pkg_config template component)
           COMPONENT ${component})
 endfunction()
 
-# Sets the flags that kestrelcore.pc needs besides those of the library itself. A program that links
+# Sets the flags that kestrelcore.pc needs in addition to those of the library itself. A program that links
 # the archive also links the libraries that the archive needs, with and without --static.
 function(kestrelcore_set_pkg_config_flags)
   set(kestrelcore_pc_libs "")
