@@ -1,5 +1,5 @@
 #!/bin/bash
-# check_fleet.sh BUILD TOOLS: what is in packaging/fleet, in the hands of the systems that it is for.
+# check_fleet.sh BUILD TOOLS: runs what is in packaging/fleet under the systems that it is for.
 # BUILD is the build tree, TOOLS the folder of promtool and prometheus-node-exporter.
 set -euo pipefail
 
