@@ -22,7 +22,8 @@ namespace fs = std::filesystem;
 
 constexpr const char* kVendorAmd = "0x1002";  // PCI vendor id
 
-// The sorted names of a directory that begin with `prefix`; none if it cannot be read.
+// The names of a directory that begin with `prefix`, "card2" before "card10"; none if it cannot be
+// read.
 std::vector<std::string> NamesIn(const fs::path& directory, const std::string& prefix) {
   std::vector<std::string> names;
   std::error_code error;
@@ -33,7 +34,9 @@ std::vector<std::string> NamesIn(const fs::path& directory, const std::string& p
       names.push_back(name);
     }
   }
-  std::sort(names.begin(), names.end());
+  std::sort(names.begin(), names.end(), [](const std::string& left, const std::string& right) {
+    return left.size() != right.size() ? left.size() < right.size() : left < right;
+  });
   return names;
 }
 

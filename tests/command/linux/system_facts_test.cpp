@@ -80,6 +80,18 @@ TEST_F(SystemFactsTest, OtherMakersAndConnectorsAreNoCards) {
   EXPECT_EQ(cards[0].name, "card1");
 }
 
+TEST_F(SystemFactsTest, CardsAreInTheOrderOfTheirNumbers) {
+  for (const char* number : {"10", "2", "1"}) {
+    AddCard(std::string("card") + number, std::string("0000:0") + number + ":00.0", "0x1002",
+            "amdgpu");
+  }
+  const auto cards = command::ReadCards(tree_.root());
+  ASSERT_EQ(cards.size(), 3U);
+  EXPECT_EQ(cards[0].name, "card1");
+  EXPECT_EQ(cards[1].name, "card2");
+  EXPECT_EQ(cards[2].name, "card10");
+}
+
 TEST_F(SystemFactsTest, MachineWithoutSysHasNoCards) {
   EXPECT_TRUE(command::ReadCards(tree_.root()).empty());
 }
