@@ -11,7 +11,7 @@ namespace kestrel::command {
 namespace {
 
 constexpr std::size_t kLabelColumns = 14;
-constexpr std::size_t kValueColumns = 18;
+constexpr std::size_t kValueColumns = 20;  // "100.0 %  1023.99 GiB"
 constexpr std::size_t kGraphFrom = kLabelColumns + kValueColumns + 2;
 constexpr std::size_t kLongestHistory = 1024;  // more than a screen has columns
 

@@ -40,16 +40,17 @@ WatchTable FilledTable(bool blocks = false) {
 }
 
 TEST(WatchTableTest, EachLineHasItsFigureAndItsGraph) {
-  EXPECT_EQ(FilledTable().Lines({80, 24}),
-            (std::vector<std::string>{
-                "kestrel watch", "available RAM           8.00 GiB  ===",
-                "free VRAM 0             8.00 GiB  ###", "free VRAM 1              unknown     ",
-                "PID 4711        50.0 %  1.00 GiB   =#", "PID 12                     ended     "}));
+  EXPECT_EQ(
+      FilledTable().Lines({80, 24}),
+      (std::vector<std::string>{
+          "kestrel watch", "available RAM             8.00 GiB  ===",
+          "free VRAM 0               8.00 GiB  ###", "free VRAM 1                unknown     ",
+          "PID 4711          50.0 %  1.00 GiB   =#", "PID 12                       ended     "}));
 }
 
 TEST(WatchTableTest, GraphsUseBlocksOnATerminalThatShowsThem) {
   EXPECT_EQ(FilledTable(true).Lines({80, 24})[4],
-            "PID 4711        50.0 %  1.00 GiB   \u2584\u2588");
+            "PID 4711          50.0 %  1.00 GiB   \u2584\u2588");
 }
 
 TEST(WatchTableTest, NoLineIsWiderThanTheScreen) {
@@ -72,6 +73,14 @@ TEST(WatchTableTest, ScreenThatIsTooLowSaysHowMuchIsHidden) {
   EXPECT_EQ(lines.back(), "... 3 more lines");
   EXPECT_EQ(FilledTable().Lines({80, 1}).size(), 1U);
   EXPECT_EQ(FilledTable().Lines({80, 6}).size(), 6U);
+}
+
+TEST(WatchTableTest, BusyProcessWithTheWidestSizeKeepsItsGraph) {
+  WatchTable table("", false);
+  Sample sample = ExampleSample(100);
+  sample.processes[0].resident_bytes = 1023 * kGiB;
+  table.Add(sample);
+  EXPECT_EQ(table.Lines({80, 24})[4], "PID 4711      100.0 %  1023.00 GiB  #");
 }
 
 TEST(WatchTableTest, LongFiguresKeepTheirDigits) {

@@ -39,12 +39,12 @@ trap finish EXIT
 tmux_do new-session -d -x 80 -y 12
 tmux_do send-keys "clear; '$kestrel' watch $first $second --interval 100ms; echo status \$?" Enter
 await "^PID $first  *0.0 %  .*B"
-# Graphs fill 46 columns of the 80 after 46 samples.
-await '^available RAM  *[0-9.]* .iB  .\{46\}$'
+# Graphs fill 44 columns of the 80 after 44 samples.
+await '^available RAM  *[0-9.]* .iB  .\{44\}$'
 tmux_do capture-pane -p
 
 tmux_do resize-window -x 40 -y 12
-await '^available RAM  *[0-9.]* .iB  .\{6\}$'
+await '^available RAM  *[0-9.]* .iB  .\{4\}$'
 tmux_do capture-pane -p
 if tmux_do capture-pane -p | grep -q '.\{41\}'; then
   echo "a line is wider than 40 columns" >&2
