@@ -14,8 +14,8 @@ namespace kestrel::command {
 // on.
 std::optional<std::uint64_t> ParseSize(std::string_view text);
 
-// Reads a time: a number, with "ms", "s" (which may be left out) or "m". Returns `nullopt` for any
-// other text, for less than a millisecond and for more than a day.
+// Reads a time: a number, with "ms", "s" (which may be left out) or "m". A part of a millisecond
+// counts as one. Returns `nullopt` for any other text, for 0 and for more than a day.
 std::optional<std::chrono::milliseconds> ParseInterval(std::string_view text);
 
 // Reads a whole number from 0 to `most`; `nullopt` for any other text.

@@ -63,6 +63,7 @@ TEST(AmountsTest, IntervalsAreReadWithEveryUnit) {
   EXPECT_EQ(ParseInterval("500ms"), milliseconds(500));
   EXPECT_EQ(ParseInterval("2m"), milliseconds(120'000));
   EXPECT_EQ(ParseInterval("86400"), milliseconds(86'400'000));
+  EXPECT_EQ(ParseInterval("0.1ms"), milliseconds(1));
 }
 
 TEST(AmountsTest, TextsThatAreNoIntervalAreRefused) {
