@@ -98,7 +98,11 @@ MachineSurvey SurveyMachine() {
 
 bool IsComplete(const MachineSurvey& survey) {
   return survey.processor.status == KESTREL_OK && survey.memory.part.status == KESTREL_OK &&
-         (survey.gpu_part.status == KESTREL_OK || survey.gpu_part.status == KESTREL_NO_DEVICES);
+         AreGpusCounted(survey);
+}
+
+bool AreGpusCounted(const MachineSurvey& survey) {
+  return survey.gpu_part.status == KESTREL_OK || survey.gpu_part.status == KESTREL_NO_DEVICES;
 }
 
 std::string StatusText(kestrel_status status) {
@@ -115,7 +119,7 @@ std::string LimitText(int limit, const std::string& group) {
     case KESTREL_LIMIT_MACHINE:
       return "the machine's free memory";
     case KESTREL_LIMIT_GROUP:
-      return "memory group " + group;
+      return "memory group " + PrintableText(group);
     case KESTREL_LIMIT_COMMIT:
       return "the commit limit";
     default:

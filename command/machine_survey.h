@@ -54,6 +54,9 @@ MachineSurvey SurveyMachine();
 // Whether each part could be read. That there is no GPU is no failure.
 bool IsComplete(const MachineSurvey& survey);
 
+// Whether the number of GPUs is known. Without a runtime it is 0.
+bool AreGpusCounted(const MachineSurvey& survey);
+
 // The name of a status without its prefix, in small letters: "no_devices".
 std::string StatusText(kestrel_status status);
 

@@ -57,7 +57,9 @@ std::string SurveyLabels(const MachineSurvey& survey) {
   for (const std::string& extension : survey.extensions) {
     labels += Label("kestrel-cpu." + extension, "true");
   }
-  labels += Label("kestrel-gpu.count", std::to_string(survey.gpus.size()));
+  if (AreGpusCounted(survey)) {
+    labels += Label("kestrel-gpu.count", std::to_string(survey.gpus.size()));
+  }
   for (const Gpu& gpu : survey.gpus) {
     const std::string key = "kestrel-gpu." + std::to_string(gpu.device) + ".";
     labels += Label(key + "name", gpu.name);

@@ -95,9 +95,11 @@ std::string GpuMetrics(const MachineSurvey& survey) {
       free.Add(device, *gpu.free_bytes);
     }
   }
-  return SingleGauge("kestrel_gpu_devices", "Number of GPUs that the HIP runtime sees.",
-                     survey.gpus.size()) +
-         info.Text() + total.Text() + free.Text();
+  Gauge devices("kestrel_gpu_devices", "Number of GPUs that the HIP runtime sees.");
+  if (AreGpusCounted(survey)) {
+    devices.Add({}, survey.gpus.size());
+  }
+  return devices.Text() + info.Text() + total.Text() + free.Text();
 }
 
 std::string MemoryMetrics(const Memory& memory) {

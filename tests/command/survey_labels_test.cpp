@@ -37,5 +37,11 @@ TEST(SurveyLabelsTest, FailedPartsHaveNoLabels) {
   EXPECT_EQ(command::SurveyLabels(FailedSurvey()), "kestrel-gpu.count=0\n");
 }
 
+TEST(SurveyLabelsTest, NumberOfGpusIsMissingIfTheyCouldNotBeRead) {
+  command::MachineSurvey survey = FailedSurvey();
+  survey.gpu_part = {KESTREL_DEVICE_QUERY_FAILED, "Invalid hip device at device id'1'"};
+  EXPECT_EQ(command::SurveyLabels(survey), "");
+}
+
 }  // namespace
 }  // namespace kestrel::tests

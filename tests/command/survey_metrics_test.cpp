@@ -41,5 +41,12 @@ TEST(SurveyMetricsTest, FailedPartsAreMarkedAndHaveNoFigures) {
   EXPECT_TRUE(Has(metrics, "kestrel_gpu_devices 0")) << metrics;
 }
 
+TEST(SurveyMetricsTest, NumberOfGpusIsMissingIfTheyCouldNotBeRead) {
+  command::MachineSurvey survey = FailedSurvey();
+  survey.gpu_part = {KESTREL_DEVICE_QUERY_FAILED, "Invalid hip device at device id'1'"};
+  const std::string metrics = command::SurveyMetrics(survey);
+  EXPECT_EQ(metrics.find("kestrel_gpu_"), std::string::npos) << metrics;
+}
+
 }  // namespace
 }  // namespace kestrel::tests
