@@ -5,7 +5,7 @@
 #include "command/terminal.h"
 
 int main(int argc, char** argv) {
-  kestrel::command::KeepRunningAfterClosedPipe();
+  kestrel::command::PrepareStandardOutput();
   const auto ended = kestrel::command::RunProgram({argv + (argc > 0 ? 1 : 0), argv + argc},
                                                   kestrel::command::WriteToStandardOutput);
   if (!ended.error.empty()) {

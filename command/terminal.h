@@ -6,11 +6,12 @@
 
 namespace kestrel::command {
 
-// A reader that closes the pipe makes the next write fail instead of ending the process by a
-// signal.
-void KeepRunningAfterClosedPipe();
+// Standard output gets line feeds alone, as Prometheus demands, also on Windows. A reader that
+// closes the pipe makes the next write fail instead of ending the process by a signal.
+void PrepareStandardOutput();
 
-// From here on, Ctrl-C and a request to end are noted instead of ending the process.
+// From here on, Ctrl-C and a request to end are noted instead of ending the process. A signal that
+// the process was started to ignore, as nohup does with SIGHUP, stays ignored.
 void CatchInterrupts();
 bool IsInterrupted();
 

@@ -17,13 +17,16 @@ volatile std::sig_atomic_t interrupted = 0;
 
 }  // namespace
 
-void KeepRunningAfterClosedPipe() { std::signal(SIGPIPE, SIG_IGN); }
+void PrepareStandardOutput() { std::signal(SIGPIPE, SIG_IGN); }
 
 void CatchInterrupts() {
   struct sigaction action {};
   action.sa_handler = [](int) { interrupted = 1; };
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    sigaction(signal, &action, nullptr);
+    struct sigaction inherited {};
+    if (sigaction(signal, nullptr, &inherited) == 0 && inherited.sa_handler != SIG_IGN) {
+      sigaction(signal, &action, nullptr);
+    }
   }
 }
 

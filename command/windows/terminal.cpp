@@ -1,5 +1,6 @@
 #include "command/terminal.h"
 
+#include <fcntl.h>
 #include <io.h>
 #include <windows.h>
 
@@ -24,7 +25,8 @@ constexpr int kStandardError = 2;
 
 }  // namespace
 
-void KeepRunningAfterClosedPipe() {}  // Windows has no such signal
+// A closed pipe sends no signal here.
+void PrepareStandardOutput() { _setmode(_fileno(stdout), _O_BINARY); }
 
 void CatchInterrupts() { SetConsoleCtrlHandler(NoteInterrupt, TRUE); }
 
