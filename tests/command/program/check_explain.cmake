@@ -1,11 +1,10 @@
 # Checks what `kestrel explain` says over a simulated runtime: which file is used, and the devices.
 #
-#   cmake -DRUN=<program> -DRUNTIME=<file of the runtime> -DMACHINE=... -P check_explain.cmake
+#   cmake -DRUN=<program> -DRUNTIME=<folder of the runtime> -DMACHINE=... -P check_explain.cmake
 
 cmake_minimum_required(VERSION 3.25)
 
-cmake_path(GET RUNTIME PARENT_PATH folder)
-set(ENV{LD_LIBRARY_PATH} "${folder}")
+set(ENV{LD_LIBRARY_PATH} "${RUNTIME}")
 set(ENV{KESTREL_SIM_MACHINE} "${MACHINE}")
 set(ENV{HIP_VISIBLE_DEVICES} 1)
 execute_process(COMMAND ${RUN} explain OUTPUT_VARIABLE output ERROR_VARIABLE output
@@ -17,7 +16,7 @@ foreach(
   "HIP_VISIBLE_DEVICES='1'"
   "-> HIP_VISIBLE_DEVICES may hide GPUs"
   "libamdhip64.so.7, already loaded: not loaded by this process"
-  "used: ${folder}/libamdhip64.so"
+  "used: ${RUNTIME}/libamdhip64.so"
   "HIP: device 0, AMD Radeon 780M, 4.00 GiB in total, 3.00 GiB free"
   "limited by ")
   if(NOT output MATCHES "${line}")
