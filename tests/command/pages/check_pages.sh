@@ -1,6 +1,7 @@
 #!/bin/bash
-# check_pages.sh FOLDER HARNESS: the man pages are without warnings, and each shell completes by the
-# file for it. HARNESS is the program, whose help has the same options as its page.
+# check_pages.sh FOLDER HARNESS: the man pages are as <page>.expected and without warnings, and each
+# shell completes by the file for it. HARNESS is the program, whose help has the same options as its
+# page.
 set -u
 
 folder=$1
@@ -12,6 +13,9 @@ fail() {
 }
 
 for program in kestrel kestrel-harness; do
+  difference=$(sed 's/"kestrelcore [0-9.]*"/"kestrelcore VERSION"/' "$folder/$program.1" |
+    diff "$(dirname "$0")/$program.1.expected" -)
+  [ -z "$difference" ] || fail "$program.1: $difference"
   warnings=$(man --warnings -E UTF-8 -l -Tutf8 -Z "$folder/$program.1" 2>&1 >/dev/null)
   [ -z "$warnings" ] || fail "$program.1: $warnings"
   MANWIDTH=80 man -E UTF-8 -l "$folder/$program.1" | grep -q "$program  *- " ||
