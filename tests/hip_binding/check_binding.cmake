@@ -9,6 +9,7 @@
 #           another processor
 # WORK      the folder to make and run in; it holds the runtimes and the program
 # ELSEWHERE if set, the program is in a folder of its own within it
+# FOLDERS   if set, the loader searches that many empty folders first
 # MACHINE   the machine file of a simulated runtime, if any
 # EXPECTED  a regular expression for all that the program writes
 
@@ -59,7 +60,14 @@ if(ELSEWHERE)
 endif()
 cmake_path(GET PROGRAM FILENAME name)
 file(COPY_FILE "${PROGRAM}" "${folder}/${name}")
-set(ENV{LD_LIBRARY_PATH} "${folder}")
+set(search "${folder}")
+if(FOLDERS)
+  foreach(number RANGE 1 ${FOLDERS})
+    file(MAKE_DIRECTORY "${WORK}/empty-${number}")
+    string(PREPEND search "${WORK}/empty-${number}:")
+  endforeach()
+endif()
+set(ENV{LD_LIBRARY_PATH} "${search}")
 unset(ENV{HIP_VISIBLE_DEVICES})
 unset(ENV{ROCR_VISIBLE_DEVICES})
 set(ENV{KESTREL_SIM_MACHINE} "${MACHINE}")
