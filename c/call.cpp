@@ -26,7 +26,7 @@ kestrel_status ReportException(kestrel_result* result) noexcept {
 }
 
 kestrel_status BeginCall(kestrel_result* result) noexcept {
-  if (result != nullptr && !IsRecord(result)) {
+  if (!IsValidResult(result)) {
     return KESTREL_INVALID_ARGUMENT;
   }
   if (!ProcessorIsSupported()) {

@@ -12,6 +12,11 @@
 
 namespace kestrel::c {
 
+// Whether a call may report to `result`; a null one receives nothing.
+inline bool IsValidResult(const kestrel_result* result) noexcept {
+  return result == nullptr || IsRecord(result);
+}
+
 // Writes status and message to `result`, which may be null, and returns the status.
 kestrel_status Report(kestrel_result* result, kestrel_status status, const char* message) noexcept;
 

@@ -10,8 +10,9 @@
 /// runtime it found, starts no threads and reads no configuration. No C++ exception leaves a call.
 ///
 /// **Status.** A call that can fail returns a `kestrel_status`. After a failure its outputs hold
-/// the values that the call's comment names; an output whose pointer or record is not valid stays
-/// as it was.
+/// the values that the call's comment names. A call with a null pointer that must not be null, or
+/// with a record whose `struct_size` is not set, returns `KESTREL_INVALID_ARGUMENT` and leaves all
+/// its outputs unchanged; it reports the failure to each `kestrel_result` that is valid.
 ///
 /// **Failure text.** The last parameter of such a call is a `kestrel_result*`, which receives the
 /// status again and the text of the failure. It may be null: then the call writes to standard error
@@ -232,7 +233,7 @@ kestrel_status kestrel_gpu_memory(int32_t device, uint64_t* free_bytes, uint64_t
 /// and `kestrel_survey_cpu` do; `gpu_result` and `cpu_result` receive what each of them reports.
 ///
 /// Returns `KESTREL_OK` if both succeeded, otherwise the status of the first that failed. Neither
-/// runs if an argument is invalid.
+/// runs if a pointer or record of either is not valid.
 kestrel_status kestrel_survey_hardware(kestrel_gpu* gpus, size_t capacity, size_t* count,
                                        kestrel_result* gpu_result, kestrel_cpu* cpu,
                                        kestrel_result* cpu_result);

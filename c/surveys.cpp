@@ -130,19 +130,32 @@ kestrel_status GuardedSurveyCpu(kestrel_cpu* cpu, kestrel_result* result) noexce
   });
 }
 
-// Returns `KESTREL_OK` if both surveys may begin, otherwise the status that the call fails with. An
-// invalid argument of one survey is reported in the results of both.
+// Reports an invalid argument of one survey to both. Returns `KESTREL_INVALID_ARGUMENT`.
+kestrel_status ReportInvalidToBoth(kestrel_result* gpu_result, kestrel_result* cpu_result,
+                                   const char* message) noexcept {
+  for (kestrel_result* const result : {gpu_result, cpu_result}) {
+    if (IsValidResult(result)) {
+      ReportInvalid(result, message);
+    }
+  }
+  return KESTREL_INVALID_ARGUMENT;
+}
+
+// Returns `KESTREL_OK` if both surveys may begin, otherwise the status that the call fails with,
+// reported to both.
 kestrel_status BeginBoth(const GpuList& list, kestrel_result* gpu_result, const kestrel_cpu* cpu,
                          kestrel_result* cpu_result) noexcept {
-  const kestrel_status gpu_begun = BeginCall(gpu_result);
-  const kestrel_status cpu_begun = BeginCall(cpu_result);
-  if (gpu_begun != KESTREL_OK || cpu_begun != KESTREL_OK) {
-    return gpu_begun != KESTREL_OK ? gpu_begun : cpu_begun;
+  if (!IsValidResult(gpu_result) || !IsValidResult(cpu_result)) {
+    return ReportInvalidToBoth(gpu_result, cpu_result,
+                               "The struct_size of the other result is not set");
+  }
+  BeginCall(gpu_result);  // returns what the next call returns: the processor alone decides
+  if (const kestrel_status begun = BeginCall(cpu_result); begun != KESTREL_OK) {
+    return begun;
   }
   if (!IsValid(list) || !IsRecord(cpu)) {
-    const char* const message = IsRecord(cpu) ? kInvalidGpuList : kInvalidCpu;
-    ReportInvalid(gpu_result, message);
-    return ReportInvalid(cpu_result, message);
+    return ReportInvalidToBoth(gpu_result, cpu_result,
+                               IsRecord(cpu) ? kInvalidGpuList : kInvalidCpu);
   }
   return KESTREL_OK;
 }

@@ -244,6 +244,31 @@ TEST_F(SurveysTest, HardwareSurveyMakesNeitherSurveyIfAnArgumentIsInvalid) {
   EXPECT_TRUE(Platform().calls.empty());
 }
 
+TEST_F(SurveysTest, InvalidResultOfOneSurveyIsReportedToTheOther) {
+  kestrel_result unset{};
+  EXPECT_EQ(kestrel_survey_hardware(nullptr, 0, &count_, &unset, &cpu_, &cpu_result_),
+            KESTREL_INVALID_ARGUMENT);
+  EXPECT_EQ(cpu_result_.status, KESTREL_INVALID_ARGUMENT);
+  EXPECT_STREQ(cpu_result_.message, "The struct_size of the other result is not set");
+  EXPECT_EQ(kestrel_survey_hardware(nullptr, 0, &count_, &result_, &cpu_, &unset),
+            KESTREL_INVALID_ARGUMENT);
+  EXPECT_EQ(result_.status, KESTREL_INVALID_ARGUMENT);
+  EXPECT_STREQ(result_.message, "The struct_size of the other result is not set");
+  EXPECT_EQ(unset.status, KESTREL_OK);
+}
+
+TEST_F(SurveysTest, InvalidArgumentsOfTheHardwareSurveyLeaveItsOutputsUnchanged) {
+  kestrel_gpu unset_gpu{};
+  kestrel_cpu unset_cpu{};
+  kestrel_result unset_result{};
+  cpu_.extensions = 55;
+  kestrel_survey_hardware(&unset_gpu, 1, &count_, &result_, &cpu_, &cpu_result_);
+  kestrel_survey_hardware(nullptr, 0, &count_, &result_, &unset_cpu, &cpu_result_);
+  kestrel_survey_hardware(nullptr, 0, &count_, &unset_result, &cpu_, &cpu_result_);
+  EXPECT_EQ(count_, 77U);
+  EXPECT_EQ(cpu_.extensions, 55U);
+}
+
 TEST_F(SurveysTest, GpuSurveyLeavesTheLastDeviceCurrent) {
   simulator::Install(MachineWith(3));
   EXPECT_EQ(kestrel_survey_gpus(nullptr, 0, &count_, &result_), KESTREL_OK);
