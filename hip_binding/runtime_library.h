@@ -33,7 +33,8 @@ struct CandidateList {
   [[nodiscard]] const Candidate* end() const noexcept { return first + size; }
 };
 
-// UTF-8 that ends with a NUL. What does not fit is cut off or, on Windows, left out as a whole.
+// UTF-8 that ends with a NUL. What does not fit is cut off; on Windows a path is then empty, and a
+// reason the number of the error.
 using ReasonText = std::array<char, 256>;
 using PathText = std::array<char, 1024>;
 

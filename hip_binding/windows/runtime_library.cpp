@@ -2,8 +2,9 @@
 
 #include <windows.h>
 
-#include <cstdio>
 #include <iterator>
+
+#include "hip_binding/windows/text.h"
 
 namespace kestrel::hip_binding {
 
@@ -44,26 +45,13 @@ HMODULE Open(const Candidate& candidate) noexcept {
   return LoadLibraryExA(candidate.name, nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
 }
 
-// Converts to UTF-8; empty if the text is too long.
-template <typename Text>
-void SetUtf8(const wchar_t* wide, Text& text) noexcept {
-  if (WideCharToMultiByte(CP_UTF8, 0, wide, -1, text.data(), static_cast<int>(text.size()), nullptr,
-                          nullptr) == 0) {
-    text[0] = '\0';
-  }
-}
-
 void DescribeError(DWORD error, ReasonText& reason) noexcept {
   std::array<wchar_t, 160> text;
   const DWORD flags =
       FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK;
   const DWORD size = FormatMessageW(flags, nullptr, error, 0, text.data(),
                                     static_cast<DWORD>(text.size()), nullptr);
-  if (size == 0) {
-    std::snprintf(reason.data(), reason.size(), "Windows error %lu", error);
-    return;
-  }
-  SetUtf8(text.data(), reason);
+  SetReason(error, size > 0 ? text.data() : nullptr, reason);
 }
 
 }  // namespace
@@ -88,7 +76,7 @@ void GetLibraryPath(void* library, PathText& path) noexcept {
   std::array<wchar_t, 512> wide;
   const auto size = static_cast<DWORD>(wide.size());
   const DWORD copied = GetModuleFileNameW(static_cast<HMODULE>(library), wide.data(), size);
-  SetUtf8(copied > 0 && copied < size ? wide.data() : L"", path);
+  SetUtf8(copied > 0 && copied < size ? wide.data() : L"", path.data(), path.size());
 }
 
 }  // namespace kestrel::hip_binding
