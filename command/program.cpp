@@ -40,11 +40,12 @@ constexpr bool kNeedsAvx2<FitsRequest> = true;
 template <>
 constexpr bool kNeedsAvx2<WatchRequest> = true;
 
+constexpr int FailureStatus(bool fits) { return fits ? kUndetermined : kFailure; }
+
 template <typename Request>
 Outcome RunIfSupported(const Request& request, const Writer& write) {
   if (kNeedsAvx2<Request> && !c::ProcessorIsSupported()) {
-    const int status = std::is_same_v<Request, FitsRequest> ? kUndetermined : kFailure;
-    return {status, "",
+    return {FailureStatus(std::is_same_v<Request, FitsRequest>), "",
             "kestrel: this processor lacks AVX2, or the operating system has not enabled it; "
             "'kestrel explain' says more"};
   }
@@ -54,6 +55,7 @@ Outcome RunIfSupported(const Request& request, const Writer& write) {
 }  // namespace
 
 Outcome RunProgram(std::vector<std::string> arguments, const Writer& write) {
+  const int failure = FailureStatus(!arguments.empty() && arguments.front() == "fits");
   try {
     Outcome outcome =
         std::visit([&](const auto& request) { return RunIfSupported(request, write); },
@@ -64,9 +66,9 @@ Outcome RunProgram(std::vector<std::string> arguments, const Writer& write) {
     return {kOutputFailure, "",
             std::string("kestrel: the output could not be written: ") + error.what()};
   } catch (const std::exception& exception) {
-    return {kFailure, "", std::string("kestrel: ") + exception.what()};
+    return {failure, "", std::string("kestrel: ") + exception.what()};
   } catch (...) {  // only a GPU runtime throws anything else
-    return {kFailure, "", "kestrel: the GPU runtime threw an exception"};
+    return {failure, "", "kestrel: the GPU runtime threw an exception"};
   }
 }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <new>
+
 #include "tests/command/machine.h"
 
 namespace kestrel::tests {
@@ -62,6 +64,14 @@ TEST_F(ProgramTest, ExceptionOfAnyTypeIsAFailure) {
   const auto outcome = command::RunProgram({"record"}, [](const std::string&) { throw 7; });
   EXPECT_EQ(outcome.status, command::kFailure);
   EXPECT_EQ(outcome.error, "kestrel: the GPU runtime threw an exception");
+}
+
+TEST_F(ProgramTest, ExceptionLeavesFitsUndetermined) {
+  const auto outcome =
+      command::RunProgram({"fits", "1"}, [](const std::string&) { throw std::bad_alloc(); });
+  EXPECT_EQ(outcome.status, command::kUndetermined);
+  EXPECT_EQ(command::RunProgram({"fits", "1"}, [](const std::string&) { throw 7; }).status,
+            command::kUndetermined);
 }
 
 TEST_F(ProgramTest, RecordWithoutAFileWritesToStandardOutput) {
