@@ -116,6 +116,14 @@ WatchRequest ReadWatch(const CLI::App& app) {
   return request;
 }
 
+RecordRequest ReadRecord(const CLI::App& app) {
+  RecordRequest request{Value(app, "FILE")};
+  if (app.count("FILE") > 0 && request.file.empty()) {
+    throw Refused{"FILE is empty"};
+  }
+  return request;
+}
+
 Request Read(const CLI::App& app) {
   const std::string& name = app.get_name();
   if (name == "survey") {
@@ -128,17 +136,32 @@ Request Read(const CLI::App& app) {
     return ReadWatch(app);
   }
   if (name == "record") {
-    return RecordRequest{Value(app, "FILE")};
+    return ReadRecord(app);
   }
   return ExplainRequest{};
+}
+
+std::string SubcommandNames() {
+  std::string names;
+  for (const Subcommand& subcommand : KestrelManual().subcommands) {
+    names += (names.empty() ? "" : ", ") + subcommand.name;
+  }
+  return names;
 }
 
 // The texts of CLI11 may have several lines.
 Refusal Refuse(const CLI::App& app, std::string message) {
   std::replace(message.begin(), message.end(), '\n', ' ');
   const auto chosen = app.get_subcommands();
-  const std::string command =
-      chosen.empty() ? app.get_name() : app.get_name() + " " + chosen.front()->get_name();
+  if (chosen.empty()) {
+    const auto unknown = app.remaining();
+    if (!unknown.empty()) {
+      message = "'" + unknown.front() + "' is not a subcommand";
+    }
+    return {app.get_name() + ": " + message + " (" + SubcommandNames() + "; see '" +
+            app.get_name() + " --help')"};
+  }
+  const std::string command = app.get_name() + " " + chosen.front()->get_name();
   return {command + ": " + message + " (see '" + command + " --help')"};
 }
 

@@ -75,7 +75,12 @@ TEST(CommandLineTest, VersionIsOneLine) {
 }
 
 TEST(CommandLineTest, RefusalSaysInOneLineWhatIsWrongAndWhatIsAllowed) {
-  EXPECT_EQ(RefusalOf({}), "kestrel: A subcommand is required (see 'kestrel --help')");
+  EXPECT_EQ(RefusalOf({}),
+            "kestrel: A subcommand is required (survey, fits, watch, explain, record; see 'kestrel "
+            "--help')");
+  EXPECT_EQ(RefusalOf({"nope"}),
+            "kestrel: 'nope' is not a subcommand (survey, fits, watch, explain, record; see "
+            "'kestrel --help')");
   EXPECT_EQ(RefusalOf({"survey", "--format", "xml"}),
             "kestrel survey: --format: xml not in {text,json,prometheus,labels} (see 'kestrel "
             "survey --help')");
@@ -88,8 +93,10 @@ TEST(CommandLineTest, RefusalSaysInOneLineWhatIsWrongAndWhatIsAllowed) {
   EXPECT_EQ(RefusalOf({"fits", "1", "--vram", "--device", "x"}),
             "kestrel fits: --device 'x' is not the number of a GPU, from 0 (see 'kestrel fits "
             "--help')");
+  EXPECT_EQ(RefusalOf({"record", ""}),
+            "kestrel record: FILE is empty (see 'kestrel record --help')");
   for (const auto& arguments : std::vector<std::vector<std::string>>{
-           {"nope"}, {"survey", "extra"}, {"survey", "-z"}, {"fits", "1", "2"}, {"fits", "-1"}}) {
+           {"-z"}, {"survey", "extra"}, {"survey", "-z"}, {"fits", "1", "2"}, {"fits", "-1"}}) {
     EXPECT_EQ(RefusalOf(arguments).find("kestrel"), 0U);
     EXPECT_EQ(RefusalOf(arguments).find('\n'), std::string::npos);
   }
