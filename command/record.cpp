@@ -16,7 +16,7 @@ namespace kestrel::command {
 
 namespace {
 
-// A faulty runtime may report any count.
+// A faulty runtime may report any count. The simulated machine reports the same.
 constexpr int kMostDevices = 1024;
 
 struct Status {
@@ -96,43 +96,53 @@ void RecordDevice(MachineText& text, int device) {
 
 }  // namespace
 
-std::string MachineFileText() {
+MachineFile RecordMachine() {
   const std::string head = std::string("# Recorded by kestrel ") + kVersion + ".\n";
   int count = 0;
   const hipError_t counted = hipGetDeviceCount(&count);
   if (counted != hipSuccess) {
     // The status that a machine without devices has by itself.
-    return head + "\ndevice = []\n" +
-           (counted == hipErrorNoDevice
-                ? ""
-                : "\n[[fault]]\noperation = \"hipGetDeviceCount\"\nstatus = \"" + NameOf(counted) +
-                      "\"\n");
+    return {head + "\ndevice = []\n" +
+            (counted == hipErrorNoDevice
+                 ? ""
+                 : "\n[[fault]]\noperation = \"hipGetDeviceCount\"\nstatus = \"" + NameOf(counted) +
+                       "\"\n")};
   }
+  const std::string claim = "\nclaimed_device_count = " + std::to_string(count) + "\n";
   if (count <= 0) {
-    return head + "\ndevice = []\nclaimed_device_count = " + std::to_string(count) + "\n";
+    return {head + "\ndevice = []" + claim};
   }
+  const int recorded = std::min(count, kMostDevices);
   MachineText text;
-  for (int device = 0; device < std::min(count, kMostDevices); ++device) {
+  for (int device = 0; device < recorded; ++device) {
     RecordDevice(text, device);
   }
-  return head + text.devices + text.faults;
+  return {head + (recorded < count ? claim : "") + text.devices + text.faults, count - recorded};
 }
 
 Outcome RunRecord(const RecordRequest& request) {
-  const std::string text = MachineFileText();
+  const MachineFile machine = RecordMachine();
+  Outcome outcome;
+  if (machine.left_out > 0) {
+    outcome.status = kFailure;
+    outcome.error = "kestrel record: the HIP runtime counts " +
+                    std::to_string(kMostDevices + machine.left_out) + " GPUs; only the first " +
+                    std::to_string(kMostDevices) + " are recorded";
+  }
   if (request.file.empty()) {
-    return {kSuccess, text, ""};
+    outcome.output = machine.text;
+    return outcome;
   }
   errno = 0;
   std::ofstream file(request.file, std::ios::binary);
-  file << text;
+  file << machine.text;
   file.close();
   if (!file) {
     return {kOutputFailure, "",
             "kestrel record: '" + request.file +
                 "' could not be written: " + std::generic_category().message(errno)};
   }
-  return {};
+  return outcome;
 }
 
 }  // namespace kestrel::command

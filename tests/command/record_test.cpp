@@ -15,7 +15,7 @@ class RecordTest : public testing::Test {
   // The machine as it is after it was recorded and read again.
   simulator::Machine Recorded() {
     simulator::Install(machine_);
-    return simulator::ParseMachine(command::MachineFileText(), "recorded.toml");
+    return simulator::ParseMachine(command::RecordMachine().text, "recorded.toml");
   }
 
   simulator::Machine machine_ = InstallMachine();
@@ -89,6 +89,26 @@ TEST_F(RecordTest, RuntimeThatCountsNoDeviceIsRecordedAsSuch) {
   machine_ = {};
   machine_.claimed_device_count = 0;
   EXPECT_EQ(Recorded().claimed_device_count, 0);
+}
+
+TEST_F(RecordTest, DevicesBeyondTheMostThatAreRecordedAreCountedAndReported) {
+  machine_.claimed_device_count = 1025;
+  const auto recorded = Recorded();
+  EXPECT_EQ(recorded.devices.size(), 1024U);
+  EXPECT_EQ(recorded.claimed_device_count, 1025);
+  const auto outcome = command::RunRecord({});
+  EXPECT_EQ(outcome.status, command::kFailure);
+  EXPECT_EQ(outcome.error,
+            "kestrel record: the HIP runtime counts 1025 GPUs; only the first 1024 are recorded");
+  EXPECT_NE(outcome.output, "");
+}
+
+TEST_F(RecordTest, AllOfTheMostDevicesAreRecorded) {
+  machine_.claimed_device_count = 1024;
+  const auto recorded = Recorded();
+  EXPECT_EQ(recorded.devices.size(), 1024U);
+  EXPECT_EQ(recorded.claimed_device_count, std::nullopt);
+  EXPECT_EQ(command::RunRecord({}).status, command::kSuccess);
 }
 
 }  // namespace
