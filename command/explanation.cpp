@@ -45,14 +45,17 @@ std::string StateText(const DeviceFile& file) {
 }
 
 void AdviseOnDenied(Section& section, const DeviceFile& file) {
-  if (file.group_may_use && !file.in_group) {
+  if (!file.group_may_use) {
+    AddAdvice(section, "the permissions of " + file.path + " do not let its group '" + file.group +
+                           "' use it: correct the udev rules of the machine");
+  } else if (!file.in_group) {
     AddAdvice(section, "add the user to the group: sudo usermod -aG " + file.group +
                            " USER, then log in again; in a container: --group-add " + file.group);
   } else {
-    AddAdvice(section,
-              "the permissions of " + file.path +
-                  " are not the reason or exclude its group: in a container pass --device " +
-                  file.path + ", elsewhere check the udev rules");
+    AddAdvice(section, "the permissions of " + file.path +
+                           " allow its use, so something else denies it: in a container, start "
+                           "that with --device " +
+                           file.path);
   }
 }
 

@@ -83,7 +83,21 @@ TEST(ExplanationTest, FileThatIsDeniedInSpiteOfTheGroupPointsToTheContainer) {
   const std::string text = SectionText(command::ExplainDeviceFiles(
       {{"/dev/kfd", FileState::kDenied, "Operation not permitted", "render", true, true}}, {}));
   EXPECT_TRUE(Contains(text, "which this process is in")) << text;
-  EXPECT_TRUE(Contains(text, "pass --device /dev/kfd")) << text;
+  EXPECT_TRUE(Contains(text,
+                       "-> the permissions of /dev/kfd allow its use, so something else denies it: "
+                       "in a container, start that with --device /dev/kfd\n"))
+      << text;
+}
+
+TEST(ExplanationTest, FileWhoseGroupMayNotUseItPointsToTheRulesOfUdev) {
+  for (const bool in_group : {true, false}) {
+    const std::string text = SectionText(command::ExplainDeviceFiles(
+        {{"/dev/kfd", FileState::kDenied, "Permission denied", "root", false, in_group}}, {}));
+    EXPECT_TRUE(Contains(text,
+                         "-> the permissions of /dev/kfd do not let its group 'root' use it: "
+                         "correct the udev rules of the machine\n"))
+        << text;
+  }
 }
 
 TEST(ExplanationTest, MissingFileIsOnlyAFaultWhereThereIsACard) {
