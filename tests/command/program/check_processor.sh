@@ -38,6 +38,14 @@ run 70 watch --count 1
 says_why
 run 0 --help
 run 64 survey --format xml
+run 0 record
+case "$output" in
+  *"# Recorded by kestrel "*"device = []"*) ;;
+  *)
+    echo "no machine file in: $output" >&2
+    exit 1
+    ;;
+esac
 run 0 explain
 case "$output" in
   *"-> kestrelcore needs a processor with AVX2"* | *"-> the operating system or the hypervisor"*) ;;
