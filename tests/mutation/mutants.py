@@ -276,16 +276,16 @@ class Source:
 
     def mutate_literal(self, i):
         token = self.tokens[i]
-        if token.kind == "str":
+        if token.kind == "str" and self.text(i - 1) != "extern":
             new = '"X"' if token.text == '""' else '"X' + token.text[1:]
             self.add("string", token.start, token.end, new)
         elif token.kind == "char":
             self.add("character", token.start, token.end, "'X'")
-        elif re.search(r"[.eEfF]", token.text) and not token.text.lower().startswith("0x"):
+        elif token.kind == "num" and re.search(r"[.eEfF]", token.text) and not token.text.lower().startswith("0x"):
             zero = float(token.text.rstrip("fFlL")) == 0
             new = "(1 + %s)" if zero else "(2 * %s)"
             self.add("constant", token.start, token.end, new % token.text)
-        else:
+        elif token.kind == "num":
             for new in successors(token.text):
                 self.add("constant", token.start, token.end, new)
 
