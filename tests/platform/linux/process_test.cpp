@@ -20,6 +20,7 @@
 
 #include "platform/platform.h"
 #include "tests/platform/linux/child_process.h"
+#include "tests/platform/linux/fake_time.h"
 #include "tests/platform/linux/refused_calls.h"
 
 namespace kestrel::tests {
@@ -218,6 +219,19 @@ TEST(LinuxProcessTest, WhereThreadGroupProbeIsRefusedOnlyProcessesOpen) {
   }
 }
 
+// The kernel returns these if no process has the id, whatever "/proc" contains.
+TEST(LinuxProcessTest, WhereThreadGroupProbeFindsNoProcessNothingOpens) {
+  for (const int error : {ESRCH, EINVAL}) {
+    const Outcome outcome = RunApart([error] {
+      RefuseCalls(SYS_tgkill, error);
+      if (OpensAs(getpid())) {
+        throw std::runtime_error("a process opened");
+      }
+    });
+    EXPECT_TRUE(outcome.ran) << error << ": " << outcome.diagnostics;
+  }
+}
+
 // The "/proc" that remains visible is that of the parent namespace.
 TEST(LinuxProcessTest, ProcOfAnotherNamespaceOpensNothing) {
   const auto outcome = RunInOwnNamespaces([] {
@@ -245,6 +259,17 @@ TEST(LinuxProcessTest, ProcessNamedWithBlanksAndParenthesesIsMeasured) {
   ASSERT_TRUE(process);
   EXPECT_TRUE(process->Times());
   EXPECT_GT(process->ResidentBytes().value_or(0), 0U);
+}
+
+TEST(LinuxProcessTest, TimesAreInUnitsOf100Nanoseconds) {
+  const auto process = Process::Open(getpid(), ProcessRights::kTimes);
+  ASSERT_TRUE(process);
+  FakeTime() = {};
+  FakeTime().process_time = {3, 999'999'900};
+  const auto times = process->Times();
+  FakeTime() = {};
+  ASSERT_TRUE(times);
+  EXPECT_EQ(times->kernel + times->user, 39'999'999U);
 }
 
 // The two readings enclose the process's own clock, which is finer than the ticks of
