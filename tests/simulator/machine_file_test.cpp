@@ -143,6 +143,45 @@ TEST(MachineFileTest, NumberOutOfRangeIsRefused) {
             "m.toml:2:24: 'claimed_device_count' must be from -2147483648 to 2147483647");
   EXPECT_EQ(ComplaintAbout(Fault("operation = 'hipInit'\nstatus = 'hipErrorUnknown'\ncall = 0\n")),
             "m.toml:10:8: 'call' must be from 1 to 2147483647");
+  const std::string fault = "operation = 'hipInit'\nstatus = 'hipErrorUnknown'\n";
+  EXPECT_EQ(ComplaintAbout(Fault(fault + "call = 2147483648\n")),
+            "m.toml:10:8: 'call' must be from 1 to 2147483647");
+  EXPECT_EQ(ComplaintAbout(Fault(fault + "device = -1\n")),
+            "m.toml:10:10: 'device' must be from 0 to 2147483647");
+  EXPECT_EQ(ComplaintAbout(Fault(fault + "device = 2147483648\n")),
+            "m.toml:10:10: 'device' must be from 0 to 2147483647");
+  EXPECT_EQ(ComplaintAbout(kDevice + "count = 1025\n"),
+            "m.toml:7:9: 'count' must be from 1 to 1024");
+  EXPECT_EQ(ComplaintAbout(kDevice + "properties_memory = -1\n"),
+            "m.toml:7:21: 'properties_memory' must be from 0 to 9223372036854775807");
+  EXPECT_EQ(ComplaintAbout("device = []\nclaimed_device_count = -2147483649\n"),
+            "m.toml:2:24: 'claimed_device_count' must be from -2147483648 to 2147483647");
+}
+
+TEST(MachineFileTest, GreatestAndLeastNumbersAreRead) {
+  const std::string greatest = "9223372036854775807";
+  const std::string memory = "total_memory = " + greatest + "\nfree_memory = " + greatest +
+                             "\nproperties_memory = " + greatest + "\ncount = 1024\n";
+  const std::string names = "[[device]]\nname = 'n'\narch = 'a'\nintegrated = false\n";
+  const std::string fault =
+      "[[fault]]\noperation = 'hipSetDevice'\nstatus = 'hipErrorUnknown'\n"
+      "device = 2147483646\ncall = 2147483647\n";
+  const Machine machine =
+      ParseMachine("claimed_device_count = 2147483647\n" + names + memory + fault, "m.toml");
+  ASSERT_EQ(machine.devices.size(), 1024U);
+  EXPECT_EQ(machine.devices[0].total_memory, 9223372036854775807U);
+  EXPECT_EQ(machine.devices[0].free_memory, 9223372036854775807U);
+  EXPECT_EQ(machine.devices[0].properties_memory, 9223372036854775807U);
+  EXPECT_EQ(machine.claimed_device_count, 2147483647);
+  ASSERT_EQ(machine.faults.size(), 1U);
+  EXPECT_EQ(machine.faults[0].device, 2147483646);
+  EXPECT_EQ(machine.faults[0].call, 2147483647);
+  const Machine least =
+      ParseMachine("claimed_device_count = -2147483648\n" + names +
+                       "total_memory = 0\nfree_memory = 0\nproperties_memory = 0\ncount = 1\n",
+                   "m.toml");
+  EXPECT_EQ(least.claimed_device_count, -2147483648LL);
+  EXPECT_EQ(least.devices.size(), 1U);
 }
 
 TEST(MachineFileTest, NumberBeyond64BitsIsRefused) {
