@@ -29,6 +29,14 @@ void ExpectBoth(const CpuInfo& info) {
   EXPECT_EQ(info.supportedInstructionSetExtensions, (Extensions{Extension::AVX, Extension::AVX2}));
 }
 
+TEST(CpuInfoTest, MoveAssignmentTakesTheElementsThemselves) {
+  CpuInfo source = Both();
+  const Extension* const element = &*source.supportedInstructionSetExtensions.begin();
+  CpuInfo info;
+  info = std::move(source);
+  EXPECT_EQ(&*info.supportedInstructionSetExtensions.begin(), element);
+}
+
 TEST(CpuArchitectureTest, EnumeratorsHaveFixedNumbers) {
   static_assert(std::is_same_v<std::underlying_type_t<CpuArchitecture>, std::int32_t>);
   EXPECT_EQ(static_cast<int>(CpuArchitecture::x86_64), 0);

@@ -17,6 +17,7 @@ namespace {
 
 using kestrel_utils::MeasureProcessUsedRam;
 using kestrel_utils::MemoryObserver;
+using kestrel_utils::MissingBytes;
 using kestrel_utils::PredictAllocationFailure;
 
 constexpr std::uint64_t kGiB = std::uint64_t{1} << 30;
@@ -89,6 +90,11 @@ TEST_F(MemoryObserverTest, ProcessRamIsTheResidentSet) {
   EXPECT_EQ(cerr_.text(), "");
 }
 
+TEST_F(MemoryObserverTest, ProcessOneIsMeasured) {
+  Platform().resident_bytes = 4096;
+  EXPECT_EQ(MemoryObserver::getProcessUsedRAM(1), 4096);
+}
+
 TEST_F(MemoryObserverTest, ProcessRamRefusesPidZeroFirst) {
   EXPECT_EQ(MemoryObserver::getProcessUsedRAM(0), -1);
   EXPECT_EQ(
@@ -133,6 +139,20 @@ TEST_F(MemoryObserverTest, TwoDevicesSumUpToTotalVramAndTheFirstIsFreeVram) {
 }
 
 TEST_F(MemoryObserverTest, ZeroBytesNeverFail) { EXPECT_FALSE(WillFail(0, 0, 0)); }
+
+TEST_F(MemoryObserverTest, LessThanIsAvailableDoesNotFail) {
+  EXPECT_FALSE(WillFail(6 * kGiB, 2 * kGiB, kGiB));
+  EXPECT_FALSE(WillFail(6 * kGiB, 0, 1));
+}
+
+TEST_F(MemoryObserverTest, MissingBytesAreThoseBeyondBothFigures) {
+  const platform::MemoryStatus status{16, 6, 2};
+  EXPECT_EQ(MissingBytes(0, status), 0U);
+  EXPECT_EQ(MissingBytes(5, status), 0U);
+  EXPECT_EQ(MissingBytes(8, status), 0U);
+  EXPECT_EQ(MissingBytes(9, status), 1U);
+  EXPECT_EQ(MissingBytes(20, status), 12U);
+}
 
 TEST_F(MemoryObserverTest, ForecastFailsFromOneByteBeyondAvailablePlusCommittable) {
   EXPECT_FALSE(WillFail(6 * kGiB, 2 * kGiB, 6 * kGiB));

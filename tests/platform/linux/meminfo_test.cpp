@@ -7,6 +7,7 @@
 namespace kestrel::tests {
 namespace {
 
+using platform::ParseKibibytes;
 using platform::ParseMeminfo;
 
 // From a machine of two processors and 24 GiB under Linux 6.18, shortened where nothing is read.
@@ -30,6 +31,19 @@ std::string Replaced(const std::string& what, const std::string& with) {
   const std::size_t place = text.find(what);
   EXPECT_NE(place, std::string::npos);
   return text.replace(place, what.size(), with);
+}
+
+TEST(ParseKibibytesTest, FigureIsReturnedInBytes) {
+  EXPECT_EQ(ParseKibibytes("      512 kB"), 512U * 1024);
+  EXPECT_EQ(ParseKibibytes("\t 0 kB"), 0U);
+  EXPECT_EQ(ParseKibibytes("18014398509481983 kB"), 18446744073709550592ULL);
+}
+
+TEST(ParseKibibytesTest, OtherTextIsRefused) {
+  for (const char* const text : {"", " ", " kB", "x kB", "-1 kB", "1", "1 MB", "1kB", "1 kB ",
+                                 "18014398509481984 kB", "18446744073709551616 kB"}) {
+    EXPECT_FALSE(ParseKibibytes(text)) << text;
+  }
 }
 
 TEST(MeminfoTest, FiguresAreReadInBytes) {

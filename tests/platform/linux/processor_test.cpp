@@ -4,8 +4,10 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <fstream>
 #include <optional>
 #include <stdexcept>
+#include <string>
 
 #include "platform/platform.h"
 #include "tests/platform/linux/child_process.h"
@@ -32,6 +34,16 @@ void RequireCount(const std::optional<std::uint32_t>& expected) {
   if (LogicalProcessorCount() != expected) {
     throw std::runtime_error("another number of processors");
   }
+}
+
+// The kernel lists the processors that are online there.
+TEST(LinuxProcessorTest, CountIsThatOfTheProcessorsInCpuinfo) {
+  std::ifstream cpuinfo("/proc/cpuinfo");
+  std::uint32_t processors = 0;
+  for (std::string line; std::getline(cpuinfo, line);) {
+    processors += line.rfind("processor\t", 0) == 0 ? 1 : 0;
+  }
+  EXPECT_EQ(LogicalProcessorCount(), processors);
 }
 
 TEST(LinuxProcessorTest, AffinityOfTheThreadDoesNotChangeTheCount) {

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdlib>
 #include <fstream>
 #include <string>
@@ -42,6 +43,14 @@ TEST_F(TextFileTest, InterruptedOpenIsRepeated) {
   std::array<char, 16> buffer;
   InterruptOpens(2);
   EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "a text");
+}
+
+// The calls set errno only if they fail, so an interruption of an earlier call may still be there.
+TEST_F(TextFileTest, InterruptionOfEarlierCallDoesNotRepeatTheRead) {
+  std::ofstream(path_, std::ios::trunc).close();
+  std::array<char, 16> buffer;
+  errno = EINTR;
+  EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "");
 }
 
 TEST_F(TextFileTest, DescriptorClosesItselfUnlessReleased) {
