@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <system_error>
@@ -23,16 +24,23 @@ FileDescriptor::~FileDescriptor() {
   }
 }
 
+// The kernel returns its own texts in one piece that ends with a newline, so most take one read. A
+// file system in user space may return fewer bytes than there are.
 std::optional<std::string_view> ReadFromStart(int descriptor, char* buffer,
                                               std::size_t size) noexcept {
-  ssize_t count = 0;
-  do {
-    count = pread(descriptor, buffer, size, 0);
-  } while (count < 0 && errno == EINTR);
-  if (count < 0) {
-    return std::nullopt;
+  std::size_t length = 0;
+  bool whole = false;
+  while (!whole && length < size) {
+    const ssize_t count =
+        pread(descriptor, buffer + length, size - length, static_cast<off_t>(length));
+    if (count < 0 && errno != EINTR) {
+      return std::nullopt;
+    }
+    const auto piece = static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+    whole = count == 0 || (length == 0 && piece > 0 && buffer[piece - 1] == '\n');
+    length += piece;
   }
-  return std::string_view(buffer, static_cast<std::size_t>(count));
+  return std::string_view(buffer, length);
 }
 
 std::optional<std::string_view> ReadTextFile(const char* path, char* buffer,

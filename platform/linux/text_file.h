@@ -30,8 +30,8 @@ class FileDescriptor {
   int descriptor_ = -1;
 };
 
-// Reads from the beginning of the file in one call. Returns `nullopt` if the read fails; a text
-// that is larger than the buffer is truncated.
+// Reads from the beginning of the file. Returns `nullopt` if a read fails; a text that is larger
+// than the buffer is truncated.
 [[nodiscard]] std::optional<std::string_view> ReadFromStart(int descriptor, char* buffer,
                                                             std::size_t size) noexcept;
 

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "tests/platform/linux/interrupted_open.h"
+#include "tests/platform/linux/short_read.h"
 
 namespace kestrel::tests {
 namespace {
@@ -51,6 +52,16 @@ TEST_F(TextFileTest, InterruptionOfEarlierCallDoesNotRepeatTheRead) {
   std::array<char, 16> buffer;
   errno = EINTR;
   EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "");
+}
+
+TEST_F(TextFileTest, TextThatComesInPiecesIsReadToItsEnd) {
+  std::array<char, 16> buffer;
+  for (const std::size_t piece : {1, 4, 6}) {
+    ShortenReads(piece);
+    EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "a text") << piece;
+    EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), 3), "a t") << piece;
+    ShortenReads(0);
+  }
 }
 
 TEST_F(TextFileTest, DescriptorClosesItselfUnlessReleased) {
