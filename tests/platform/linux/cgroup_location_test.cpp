@@ -145,6 +145,12 @@ TEST_F(CgroupLocationTest, GroupBelowUnmountedNamesUsesMountedAncestor) {
   EXPECT_EQ(Find("0::/a\n", MountV2("/../..", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|");
 }
 
+TEST_F(CgroupLocationTest, MountOfGroupOutsideNamespaceDoesNotShowGroupsInIt) {
+  MakeGroup("/sys/fs/cgroup");
+  MakeGroup("/sys/fs/cgroup/b");
+  EXPECT_EQ(Find("0::/b\n", MountV2("/../a", "/sys/fs/cgroup")), "none");
+}
+
 // Memory is charged to the first thread's group; version 1 lets other threads be in other groups.
 TEST_F(CgroupLocationTest, GroupOfFirstThreadIsUsed) {
   MakeGroup("/sys/fs/cgroup/first");
@@ -204,9 +210,13 @@ TEST_F(CgroupLocationTest, EscapesInMountTableAreDecoded) {
 TEST_F(CgroupLocationTest, IncompleteEscapesAreKept) {
   MakeGroup("/a\\04");
   MakeGroup("/a\\048");
+  MakeGroup("/a\\091");
+  MakeGroup("/a\\901");
   MakeGroup("/a\\x2db\\");
   EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\04")), "v2 /a\\04|");
   EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\048")), "v2 /a\\048|");
+  EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\091")), "v2 /a\\091|");
+  EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\901")), "v2 /a\\901|");
   EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\x2db\\")), "v2 /a\\x2db\\|");
 }
 
