@@ -1,12 +1,13 @@
-// The calls of the other benchmarks through the C interface, to compare in one run.
+// The same calls through the C interface.
 
-#include <benchmark/benchmark.h>
 #include <kestrelcore.h>
 #include <unistd.h>
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
+
+#include "bench/comparison.h"
+
+namespace kestrel::bench {
 
 namespace {
 
@@ -19,63 +20,54 @@ Record NewRecord() {
 
 kestrel_result result = NewRecord<kestrel_result>();
 
-void BM_kestrel_survey_cpu(benchmark::State& state) {
+std::int32_t SurveyCpu() {
   auto cpu = NewRecord<kestrel_cpu>();
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(kestrel_survey_cpu(&cpu, &result));
-  }
+  return kestrel_survey_cpu(&cpu, &result);
 }
-BENCHMARK(BM_kestrel_survey_cpu);
 
-void BM_kestrel_survey_gpus(benchmark::State& state) {
-  std::array<kestrel_gpu, 16> gpus{};
-  gpus[0].struct_size = sizeof(kestrel_gpu);
-  std::size_t count = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(kestrel_survey_gpus(gpus.data(), gpus.size(), &count, &result));
-  }
-}
-BENCHMARK(BM_kestrel_survey_gpus);
-
-void BM_kestrel_machine_physical_ram(benchmark::State& state) {
+std::uint64_t MachinePhysicalRam() {
   std::uint64_t bytes = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(kestrel_machine_physical_ram(&bytes, &result));
-  }
+  kestrel_machine_physical_ram(&bytes, &result);
+  return bytes;
 }
-BENCHMARK(BM_kestrel_machine_physical_ram);
 
-void BM_kestrel_available_ram(benchmark::State& state) {
+std::uint64_t AvailableRam() {
   std::uint64_t bytes = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(kestrel_available_ram(&bytes, &result));
-  }
+  kestrel_available_ram(&bytes, &result);
+  return bytes;
 }
-BENCHMARK(BM_kestrel_available_ram);
 
-void BM_kestrel_will_fail_to_allocate(benchmark::State& state) {
+std::int32_t WillFail() {
   std::int32_t will_fail = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(kestrel_will_fail_to_allocate(1 << 20, &will_fail, &result));
-  }
+  kestrel_will_fail_to_allocate(1 << 20, &will_fail, &result);
+  return will_fail;
 }
-BENCHMARK(BM_kestrel_will_fail_to_allocate);
 
-void BM_kestrel_memory_forecast(benchmark::State& state) {
-  auto forecast = NewRecord<kestrel_forecast>();
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(kestrel_memory_forecast(1 << 20, &forecast, &result));
-  }
-}
-BENCHMARK(BM_kestrel_memory_forecast);
-
-void BM_kestrel_process_used_ram(benchmark::State& state) {
-  const int pid = getpid();
+std::uint64_t ProcessUsedRam() {
+  static const int process = getpid();
   std::uint64_t bytes = 0;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(kestrel_process_used_ram(pid, &bytes, &result));
-  }
+  kestrel_process_used_ram(process, &bytes, &result);
+  return bytes;
 }
-BENCHMARK(BM_kestrel_process_used_ram);
+
+float CpuUsage() {
+  static const int process = getpid();
+  float percent = 0;
+  kestrel_cpu_usage(process, 0, &percent, &result);
+  return percent;
+}
+
+const char kWay[] = "C interface";
+
+const bool added[] = {
+    Compare("SurveyCpu", kWay, SurveyCpu),
+    Compare("getMachinePhysicalRAM", kWay, MachinePhysicalRam),
+    Compare("getAvailableRAM", kWay, AvailableRam),
+    Compare("willFailToAllocate", kWay, WillFail),
+    Compare("getProcessUsedRAM", kWay, ProcessUsedRam),
+    Compare("GetCpuUsage", kWay, CpuUsage),
+};
 
 }  // namespace
+
+}  // namespace kestrel::bench

@@ -1,41 +1,63 @@
-#include <benchmark/benchmark.h>
+#include <sys/syscall.h>
+#include <sys/sysinfo.h>
 #include <unistd.h>
 
+#include <string>
+#include <vector>
+
+#include "bench/bare_read.h"
+#include "bench/comparison.h"
+#include "bench/trace.h"
 #include "utils/memory_observer.h"
+
+namespace kestrel::bench {
 
 namespace {
 
 using kestrel_utils::MemoryObserver;
 
-void BM_getMachinePhysicalRAM(benchmark::State& state) {
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(MemoryObserver::getMachinePhysicalRAM());
-  }
-}
-BENCHMARK(BM_getMachinePhysicalRAM);
+long long AvailableRam() { return MemoryObserver().getAvailableRAM(); }
 
-void BM_getAvailableRAM(benchmark::State& state) {
-  const MemoryObserver observer;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(observer.getAvailableRAM());
-  }
-}
-BENCHMARK(BM_getAvailableRAM);
+bool WillFail() { return MemoryObserver().willFailToAllocate(1 << 20); }
 
-void BM_willFailToAllocate(benchmark::State& state) {
-  const MemoryObserver observer;
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(observer.willFailToAllocate(1 << 20));
-  }
+long long ProcessUsedRam() {
+  static const int process = getpid();
+  return MemoryObserver::getProcessUsedRAM(process);
 }
-BENCHMARK(BM_willFailToAllocate);
 
-void BM_getProcessUsedRAM(benchmark::State& state) {
-  const int pid = getpid();
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(MemoryObserver::getProcessUsedRAM(pid));
-  }
+unsigned long TotalOfSysinfo() {
+  struct sysinfo info {};
+  sysinfo(&info);
+  return info.totalram;
 }
-BENCHMARK(BM_getProcessUsedRAM);
+
+// Which files hold the answer depends on the machine's memory groups. The list comes from tracing
+// the call itself; the limit reads as much of each, by its full name.
+template <auto call>
+std::size_t ReadFilesOf() {
+  static const auto files = TraceCall([] { benchmark::DoNotOptimize(call()); }, true).files;
+  return ReadBare(files);
+}
+
+// Signal 0 checks that the id is that of a process, not of another thread.
+std::size_t ReadStatm() {
+  static const int process = getpid();
+  static const std::vector<FileToRead> statm = {{"/proc/" + std::to_string(process) + "/statm", 1}};
+  syscall(SYS_tgkill, process, process, 0);
+  return ReadBare(statm);
+}
+
+const bool added[] = {
+    Compare("getMachinePhysicalRAM", "kestrelcore", MemoryObserver::getMachinePhysicalRAM),
+    Compare("getMachinePhysicalRAM", "limit", TotalOfSysinfo),
+    Compare("getAvailableRAM", "kestrelcore", AvailableRam),
+    Compare("getAvailableRAM", "limit", ReadFilesOf<AvailableRam>),
+    Compare("willFailToAllocate", "kestrelcore", WillFail),
+    Compare("willFailToAllocate", "limit", ReadFilesOf<WillFail>),
+    Compare("getProcessUsedRAM", "kestrelcore", ProcessUsedRam),
+    Compare("getProcessUsedRAM", "limit", ReadStatm),
+};
 
 }  // namespace
+
+}  // namespace kestrel::bench

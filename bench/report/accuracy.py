@@ -1,0 +1,97 @@
+"""Compares what methods report as a process's use of the processors with what it used.
+
+    accuracy.py BURST_LOG [SCALE]
+
+BURST_LOG is the program kestrelcore_burst_log. Prints a list in JSON: for each load, method and
+interval the errors in points, where 100 points are one processor. SCALE multiplies the number of
+measurements. The module kestrelcore must be importable; without psutil that method is left out.
+"""
+
+import json
+import os
+import random
+import signal
+import subprocess
+import sys
+import time
+
+import burst_log
+import kestrelcore
+
+try:
+    import psutil
+except ImportError:
+    psutil = None
+
+DUTIES = (100, 37)  # percent of one processor
+MEASUREMENTS = {5: 60, 10: 60, 20: 60, 50: 60, 100: 30, 200: 16, 500: 8}  # by interval in milliseconds
+LONGEST_TICK = 0.01  # seconds, with a kernel of 100 Hz
+
+
+def ticks_of_stat(pid):
+    """User and system time: fields 14 and 15, the second of all being in parentheses."""
+    with open(f"/proc/{pid}/stat", "rb") as stat:
+        fields = stat.read().rpartition(b")")[2].split()
+    return int(fields[11]) + int(fields[12])
+
+
+def by_kestrelcore(process, seconds):
+    return kestrelcore.cpu_usage(process.pid, seconds) * os.sysconf("SC_NPROCESSORS_ONLN")
+
+
+def by_psutil(process, seconds):
+    return process.cpu_percent(seconds)
+
+
+def by_raw_stat(process, seconds):
+    first, start = ticks_of_stat(process.pid), time.monotonic()
+    time.sleep(seconds)
+    used = (ticks_of_stat(process.pid) - first) / os.sysconf("SC_CLK_TCK")
+    return 100 * used / (time.monotonic() - start)
+
+
+def methods():
+    found = {"kestrelcore": by_kestrelcore, "raw stat": by_raw_stat}
+    return found | ({"psutil": by_psutil} if psutil else {})
+
+
+def measure(process, scale):
+    """Measurements in random order, each from a random moment between two ticks."""
+    plan = [
+        (method, interval)
+        for interval, count in MEASUREMENTS.items()
+        for method in methods()
+        for _ in range(max(1, round(count * scale)))
+    ]
+    random.Random(1).shuffle(plan)
+    for method, interval in plan:
+        time.sleep(random.uniform(0, LONGEST_TICK))
+        start = time.monotonic_ns()
+        percent = methods()[method](process, interval / 1000)
+        yield method, interval, start, time.monotonic_ns(), percent
+
+
+def errors_of_load(program, duty, scale):
+    with subprocess.Popen([program, str(duty)], stdout=subprocess.PIPE, text=True) as child:
+        try:
+            time.sleep(0.3)
+            measured = list(measure(psutil.Process(child.pid) if psutil else child, scale))
+        finally:
+            child.send_signal(signal.SIGTERM)
+            log = burst_log.parse(child.communicate()[0])
+    errors = {}
+    for method, interval, start, end, percent in measured:
+        errors.setdefault((method, interval), []).append(percent - burst_log.percent_used(log, start, end))
+    return [
+        {"duty": duty, "method": method, "interval": interval, "errors": values}
+        for (method, interval), values in sorted(errors.items())
+    ]
+
+
+def main():
+    scale = float(sys.argv[2]) if len(sys.argv) > 2 else 1
+    json.dump([entry for duty in DUTIES for entry in errors_of_load(sys.argv[1], duty, scale)], sys.stdout)
+
+
+if __name__ == "__main__":
+    main()

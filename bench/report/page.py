@@ -1,0 +1,231 @@
+"""Writes the page and its charts from the measurements. Pure functions, but for `write`."""
+
+from pathlib import Path
+from statistics import median
+from string import Template
+
+import charts
+from summary import (
+    ACCURACY_GOAL,
+    GOALS,
+    accuracy_ratio,
+    file_list,
+    mean_error,
+    middle_half,
+    number,
+    overhead_per_device,
+    ratio,
+    shortest_interval,
+    spread_per_device,
+    ways_in_order,
+)
+
+FIGURES = [figure for figure, _, _ in GOALS]
+LOADS = {100: "busy all the time", 37: "37 percent"}
+# The programs whose start is measured, each with the one that loads nothing.
+STARTS = {
+    "a C++ program": None,
+    "linked": "a C++ program",
+    "linked, installed HIP": "a C++ program",
+    "lazy": "a C++ program",
+    "a C program": None,
+    "C interface": "a C program",
+}
+WAY_CLASSES = {"kestrelcore": "own", "C interface": "c", "limit": "limit"}
+
+
+def row(*cells):
+    return "| " + " | ".join(cells) + " |"
+
+
+def verdict(value, most):
+    if value is None:
+        return row("not measured", "")[2:]
+    return row(number(value), "met" if value <= most else "**not met**")[2:]
+
+
+def aim(most, reference):
+    """What a figure is compared with: `most` times the reference."""
+    reference = "its limit" if reference == "limit" else reference
+    return reference if most == 1 else f"{most:g} times {reference}"
+
+
+def goals_table(data):
+    rows = []
+    for figure, reference, most in GOALS:
+        value = ratio(data["times"][figure], "kestrelcore", reference)
+        rows.append(f"| `{figure}` | {aim(most, reference)} | " + verdict(value, most))
+    _, interval, reference, most = ACCURACY_GOAL
+    goal = f"| mean error of `GetCpuUsage` for a busy process over {interval} ms | {aim(most, reference)} | "
+    rows.append(goal + verdict(accuracy_ratio(data["accuracy"]), most))
+    return "\n".join(rows)
+
+
+def count_of(counts, what):
+    return str(counts[what]) if counts else ""
+
+
+def calls_table(data, figure):
+    ways = data["times"][figure]
+    rows = [
+        f"### {figure}\n",
+        row("way", "median, µs", "middle half, µs", "times the limit", "system calls", "allocations"),
+        "|---|---|---|---|---|---|",
+    ]
+    for way in ways_in_order(ways):
+        counts = data["counts"].get(figure, {}).get(way)
+        half = " to ".join(map(number, middle_half(ways[way])))
+        times = number(ratio(ways, way, "limit"))
+        name = f"**{way}**" if way == "kestrelcore" else way
+        calls, allocations = count_of(counts, "system_calls"), count_of(counts, "allocations")
+        rows.append(row(name, number(median(ways[way])), half, times, calls, allocations))
+    return "\n".join(rows)
+
+
+def devices_table(devices):
+    rows = []
+    for count, figures in devices.items():
+        medians = [
+            number(median(figures[figure][way]))
+            for figure in ("SurveyGpus", "getMachinePhysicalVRAM", "getAvailableVRAM")
+            for way in ("kestrelcore", "limit")
+        ]
+        overhead = number(overhead_per_device(devices, "SurveyGpus", int(count)))
+        rows.append(row(f"{int(count):,}", *medians[:2], overhead, *medians[2:5]))
+    return "\n".join(rows)
+
+
+def measured_starts(programs):
+    """Without the program that needs an installed HIP runtime, if there is none."""
+    return [(name, without) for name, without in STARTS.items() if name in programs]
+
+
+def start_table(programs):
+    rows = []
+    for name, without in measured_starts(programs):
+        milliseconds = median(programs[name]) / 1000
+        half = " to ".join(number(value / 1000) for value in middle_half(programs[name]))
+        more = number(milliseconds - median(programs[without]) / 1000) if without else ""
+        rows.append(row(name, number(milliseconds), half, more))
+    return "\n".join(rows)
+
+
+def accuracy_table(accuracy):
+    methods = sorted({entry["method"] for entry in accuracy})
+    cases = [(duty, method) for duty in LOADS for method in methods]
+    rows = [
+        row("interval", *(f"{LOADS[duty]}: {method}" for duty, method in cases)),
+        "|---" * (len(cases) + 1) + "|",
+    ]
+    worst = {
+        (entry["duty"], entry["interval"], entry["method"]): max(map(abs, entry["errors"])) for entry in accuracy
+    }
+    for interval in sorted({entry["interval"] for entry in accuracy}):
+        cells = []
+        for duty, method in cases:
+            mean = number(mean_error(accuracy, duty, interval, method))
+            cells.append(f"{mean} ({number(worst[duty, interval, method])})")
+        rows.append(row(f"{interval} ms", *cells))
+    return "Mean error, and in parentheses the largest:\n\n" + "\n".join(rows)
+
+
+def advice(accuracy):
+    intervals = [(points, shortest_interval(accuracy, points)) for points in (5, 2, 1)]
+    known = [f"{interval} ms for {points}" for points, interval in intervals if interval is not None]
+    if not known:
+        return "No interval measured here keeps the mean error within 5 points."
+    return f"The shortest intervals that kept the mean error of both within so many points: {', '.join(known)}."
+
+
+def machine_text(machine):
+    kind = "a virtual machine with " if machine["virtual"] else ""
+    return f"{kind}{machine['processors']} processors ({machine['processor']})"
+
+
+def page(template, data, folder):
+    peers, machine = data["peers"], data["machine"]
+    missing = [name for name, version in peers.items() if version is None]
+    files = data["counts"]["willFailToAllocate"]["kestrelcore"]["files"]
+    return Template(template).substitute(
+        folder=folder,
+        date=data["date"],
+        revision=machine["revision"],
+        machine=machine_text(machine),
+        kernel=machine["kernel"],
+        libc=machine["libc"],
+        compiler=machine["compiler"],
+        load_before=f"{data['load'][0]:.1f}",
+        load_after=f"{data['load'][1]:.1f}",
+        installed=", ".join(f"{name} {version}" for name, version in peers.items() if version),
+        missing=f" Not installed: {', '.join(missing)}." if missing else "",
+        goals=goals_table(data),
+        calls="\n\n".join(calls_table(data, figure) for figure in FIGURES),
+        files=file_list(files),
+        devices=devices_table(data["devices"]),
+        survey_spread=f"{spread_per_device(data['devices'], 'SurveyGpus', 16):.2f}",
+        vram_spread=f"{spread_per_device(data['devices'], 'getMachinePhysicalVRAM', 16):.2f}",
+        start=start_table(data["times"]["start"]),
+        processors=machine["processors"],
+        accuracy=accuracy_table(data["accuracy"]),
+        advice=advice(data["accuracy"]),
+        repetitions=len(data["times"]["SurveyCpu"]["kestrelcore"]),
+        duration=data["seconds"],
+    )
+
+
+def calls_chart(times):
+    groups = [
+        (
+            figure,
+            [
+                (way, WAY_CLASSES.get(way, "peer"), median(times[figure][way]))
+                for way in ways_in_order(times[figure])
+            ],
+        )
+        for figure in FIGURES
+    ]
+    return charts.bars("Time of one call", "µs, logarithmic", groups)
+
+
+def devices_chart(devices):
+    def curve(figure, way):
+        return [(int(count), median(figures[figure][way])) for count, figures in devices.items()]
+
+    series = [
+        ("SurveyGpus", "own", curve("SurveyGpus", "kestrelcore")),
+        ("its HIP calls", "limit", curve("SurveyGpus", "limit")),
+        ("getMachinePhysicalVRAM", "own second", curve("getMachinePhysicalVRAM", "kestrelcore")),
+        ("its HIP calls", "limit second", curve("getMachinePhysicalVRAM", "limit")),
+    ]
+    return charts.lines("Time by number of GPUs", "devices", "µs", series)
+
+
+def start_chart(programs):
+    entries = [
+        (name, "own" if without else "limit", median(programs[name]) / 1000)
+        for name, without in measured_starts(programs)
+    ]
+    return charts.bars("Start to end of a program", "ms, logarithmic", [("", entries)])
+
+
+def accuracy_chart(accuracy):
+    series = []
+    for duty, style in ((100, ""), (37, " second")):
+        for method, kind in (("kestrelcore", "own"), ("psutil", "peer"), ("raw stat", "limit")):
+            intervals = sorted({entry["interval"] for entry in accuracy if entry["method"] == method})
+            curve = [(at, max(mean_error(accuracy, duty, at, method), 0.01)) for at in intervals]
+            if curve:
+                series.append((f"{method}, {LOADS[duty]}", kind + style, curve))
+    return charts.lines("Mean error by interval", "interval, ms", "points of one processor", series)
+
+
+def write(data, output):
+    """Writes the page, and the charts to a folder of its name next to it."""
+    template = Path(__file__).with_name("page.md.in").read_text()
+    folder = output.with_suffix("")
+    folder.mkdir(parents=True, exist_ok=True)
+    output.write_text(page(template, data, folder.name))
+    (folder / "calls.svg").write_text(calls_chart(data["times"]))
+    (folder / "devices.svg").write_text(devices_chart(data["devices"]))
+    (folder / "start.svg").write_text(start_chart(data["times"]["start"]))
+    (folder / "accuracy.svg").write_text(accuracy_chart(data["accuracy"]))

@@ -1,0 +1,3 @@
+// What a program costs that loads nothing but its language's own libraries.
+
+int main() {}
