@@ -1,0 +1,108 @@
+"""The parts of script/bench that measure nothing."""
+
+import sys
+import unittest
+import xml.etree.ElementTree
+from pathlib import Path
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "bench/report"))
+
+import burst_log  # noqa: E402
+import charts  # noqa: E402
+import measure  # noqa: E402
+import page  # noqa: E402
+import summary  # noqa: E402
+
+
+def accuracy_of(errors_by_interval):
+    return [
+        {"duty": duty, "method": "kestrelcore", "interval": interval, "errors": errors}
+        for duty in (100, 37)
+        for interval, errors in errors_by_interval.items()
+    ]
+
+
+class SummaryTest(unittest.TestCase):
+    def test_numbers_have_three_significant_digits_and_no_exponent(self):
+        values = (0, 0.012345, 0.999, 9.996, 12.345, 1349.6, 1234567)
+        texts = ["0", "0.0123", "0.999", "10.0", "12.3", "1,350", "1,230,000"]
+        self.assertEqual([summary.number(value) for value in values], texts)
+
+    def test_own_ways_come_before_the_others_which_are_in_order_of_their_medians(self):
+        ways = {"slow": [9], "limit": [1], "quick": [2, 100, 3], "kestrelcore": [50]}
+        self.assertEqual(summary.ways_in_order(ways), ["kestrelcore", "limit", "quick", "slow"])
+
+    def test_a_ratio_to_a_peer_that_is_not_installed_is_none(self):
+        self.assertIsNone(summary.ratio({"kestrelcore": [1]}, "kestrelcore", "libgtop"))
+
+    def test_the_shortest_interval_is_not_below_one_that_fails(self):
+        accuracy = accuracy_of({5: [1], 10: [-9, 9], 50: [2, -2], 100: [0.5]})
+        self.assertEqual(summary.shortest_interval(accuracy, 5), 50)
+        self.assertEqual(summary.shortest_interval(accuracy, 1), 100)
+        self.assertIsNone(summary.shortest_interval(accuracy, 0.1))
+
+    def test_files_of_memory_groups_are_counted(self):
+        files = ["/proc/meminfo", "/sys/fs/cgroup/a/memory.max", "/sys/fs/cgroup/a/b/memory.max"]
+        self.assertEqual(summary.file_list(files), "`/proc/meminfo`, `memory.max` of 2 memory groups")
+
+    def test_the_overhead_per_device_leaves_out_the_hip_calls(self):
+        devices = {"4": {"SurveyGpus": {"kestrelcore": [10], "limit": [2]}}}
+        self.assertEqual(summary.overhead_per_device(devices, "SurveyGpus", 4), 2)
+
+
+class BurstLogTest(unittest.TestCase):
+    LOG = burst_log.parse("1000 100\n1040 140\n1100 140\n")  # busy until 1040, then asleep
+
+    def test_the_use_between_two_edges_is_in_proportion(self):
+        self.assertEqual(burst_log.percent_used(self.LOG, 1010, 1030), 100)
+        self.assertEqual(burst_log.percent_used(self.LOG, 1020, 1060), 50)
+        self.assertEqual(burst_log.percent_used(self.LOG, 1050, 1090), 0)
+
+    def test_a_moment_outside_the_log_is_an_error(self):
+        for start, end in ((999, 1050), (1050, 1101)):
+            with self.assertRaises(ValueError):
+                burst_log.percent_used(self.LOG, start, end)
+
+
+class MeasureTest(unittest.TestCase):
+    def test_counts_are_by_figure_and_way(self):
+        counts = measure.parse_counts("SurveyCpu/limit\t1\t0\nSurveyCpu/hwloc\t9\t3\t/a\t/b\n")
+        hwloc = {"system_calls": 9, "allocations": 3, "files": ["/a", "/b"]}
+        self.assertEqual(counts["SurveyCpu"]["hwloc"], hwloc)
+        self.assertEqual(counts["SurveyCpu"]["limit"]["files"], [])
+
+    def test_times_are_of_the_wall_only_where_the_name_says_so(self):
+        def entry(name, **more):
+            return {"name": name, "run_type": "iteration", "cpu_time": 1, "real_time": 2} | more
+
+        failed = entry("start/lazy/real_time", error_occurred=True)
+        aggregate = entry("SurveyCpu/limit", run_type="aggregate")
+        benchmarks = [entry("SurveyCpu/limit"), entry("start/linked/real_time"), failed, aggregate]
+        found = measure.times({"benchmarks": benchmarks})
+        self.assertEqual(found, {"SurveyCpu": {"limit": [1]}, "start": {"linked": [2]}})
+
+
+class PageTest(unittest.TestCase):
+    def test_a_goal_is_met_at_its_very_ratio(self):
+        self.assertEqual(page.verdict(1.15, 1.15), "1.15 | met |")
+        self.assertEqual(page.verdict(1.16, 1.15), "1.16 | **not met** |")
+        self.assertEqual(page.verdict(None, 1.15), "not measured |  |")
+
+    def test_a_start_without_an_installed_runtime_is_left_out(self):
+        programs = {"a C++ program": [1000], "linked": [3000]}
+        self.assertEqual(
+            page.start_table(programs).splitlines(),
+            ["| a C++ program | 1.00 | 1.00 to 1.00 |  |", "| linked | 3.00 | 3.00 to 3.00 | 2.00 |"],
+        )
+
+    def test_charts_are_well_formed(self):
+        bars = charts.bars("a < b", "ms", [("one", [("x", "own", 0.5), ("y", "peer", 70)])])
+        lines = charts.lines("t", "x", "y", [("a & b", "own", [(1, 2), (1024, 300)])])
+        for chart in (bars, lines):
+            self.assertIn("prefers-color-scheme: dark", chart)
+            xml.etree.ElementTree.fromstring(chart)
+
+
+if __name__ == "__main__":
+    unittest.main()
