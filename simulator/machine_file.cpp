@@ -25,9 +25,16 @@ constexpr std::int64_t kMaxDevices = 1024;                  // in one entry
 constexpr std::size_t kMaxFileSize = std::size_t{1} << 20;  // bytes
 constexpr std::size_t kMaxTextLength = 256;                 // the field in the properties record
 
+// A complaint about a place in the file, whose name is not known there.
+class Refusal : public std::runtime_error {
+ public:
+  Refusal(const toml::source_region& where, const std::string& complaint)
+      : std::runtime_error(std::to_string(where.begin.line) + ":" +
+                           std::to_string(where.begin.column) + ": " + complaint) {}
+};
+
 [[noreturn]] void Refuse(const toml::source_region& where, const std::string& complaint) {
-  throw MachineFileError(*where.path + ":" + std::to_string(where.begin.line) + ":" +
-                         std::to_string(where.begin.column) + ": " + complaint);
+  throw Refusal(where, complaint);
 }
 
 // Replaces each control character, of ASCII or of the block U+0080 to U+009F, by its value.
@@ -200,6 +207,16 @@ Machine MachineFrom(const toml::table& table) {
   return machine;
 }
 
+// toml++ is not given the name of the file: it copies that in a function that is noexcept, and
+// would end the program if memory is short.
+Machine ParseTables(std::string_view text) {
+  try {
+    return MachineFrom(toml::parse(text));
+  } catch (const toml::parse_error& error) {
+    Refuse(error.source(), std::string(error.description()));
+  }
+}
+
 }  // namespace
 
 MachineFileError::MachineFileError(const std::string& text)
@@ -232,9 +249,9 @@ Machine ParseMachine(std::string_view text, const std::string& path) {
                            std::to_string(problem->column) + ": " + problem->message);
   }
   try {
-    return MachineFrom(toml::parse(text, path));
-  } catch (const toml::parse_error& error) {
-    Refuse(error.source(), std::string(error.description()));
+    return ParseTables(text);
+  } catch (const Refusal& refusal) {
+    throw MachineFileError(path + ":" + refusal.what());
   }
 }
 

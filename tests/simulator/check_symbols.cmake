@@ -32,3 +32,9 @@ run("${NM}" --dynamic --undefined-only "${RUNTIME}")
 if(output MATCHES " getenv[@\n]" OR NOT output MATCHES " secure_getenv[@\n]")
   message(FATAL_ERROR "The environment is not read by secure_getenv alone:\n${output}")
 endif()
+
+# The loader allocates what __tls_get_addr returns at the first use, and ends the process if it
+# cannot.
+if(output MATCHES " __tls_get_addr[@\n]")
+  message(FATAL_ERROR "The variables of a thread are not initial-exec:\n${output}")
+endif()
