@@ -129,13 +129,13 @@ class LiveTable : public Display {
  public:
   LiveTable(const Writer& write, const std::string& title)
       : write_(write), table_(title, ShowsUnicode()) {
-    write_("\x1B[?1049h\x1B[?25l");  // the other screen, no cursor
+    Enter();
   }
   LiveTable(const LiveTable&) = delete;
   LiveTable& operator=(const LiveTable&) = delete;
   ~LiveTable() override {
     try {
-      write_("\x1B[?25h\x1B[?1049l");
+      Leave();
       for (const std::string& line : table_.Lines(TerminalSize())) {
         write_(line + "\n");
       }
@@ -149,6 +149,12 @@ class LiveTable : public Display {
   }
 
   void KeepUp() override {
+    if (IsStopRequested()) {
+      Leave();
+      StopProcess();
+      Enter();
+      Draw();
+    }
     const ScreenSize size = TerminalSize();
     if (size.columns != drawn_.columns || size.rows != drawn_.rows) {
       Draw();
@@ -156,6 +162,10 @@ class LiveTable : public Display {
   }
 
  private:
+  // To a screen of its own, without a cursor, and back.
+  void Enter() { write_("\x1B[?1049h\x1B[?25l"); }
+  void Leave() { write_("\x1B[?25h\x1B[?1049l"); }
+
   // From the top left corner; each line and then the rest of the screen are erased.
   void Draw() {
     drawn_ = TerminalSize();

@@ -14,25 +14,39 @@ namespace kestrel::command {
 namespace {
 
 volatile std::sig_atomic_t interrupted = 0;
+volatile std::sig_atomic_t stop_requested = 0;
+
+void NoteInterrupt(int /*signal*/) { interrupted = 1; }
+void NoteStopRequest(int /*signal*/) { stop_requested = 1; }
+
+// Calls that a signal interrupts go on: a line that is being written to a full pipe is not cut.
+void Catch(int signal, void (*handler)(int), int flags) {
+  struct sigaction inherited {};
+  if (sigaction(signal, nullptr, &inherited) == 0 && inherited.sa_handler != SIG_IGN) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART | flags;
+    sigaction(signal, &action, nullptr);
+  }
+}
 
 }  // namespace
 
 void PrepareStandardOutput() { std::signal(SIGPIPE, SIG_IGN); }
 
 void CatchInterrupts() {
-  struct sigaction action {};
-  action.sa_handler = [](int) { interrupted = 1; };
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    struct sigaction inherited {};
-    if (sigaction(signal, nullptr, &inherited) == 0 && inherited.sa_handler != SIG_IGN) {
-      sigaction(signal, &action, nullptr);
-    }
+    Catch(signal, NoteInterrupt, SA_RESETHAND);
   }
 }
 
 bool IsInterrupted() { return interrupted != 0; }
 
-bool IsTerminal() { return isatty(STDOUT_FILENO) == 1; }
+bool IsTerminal() {
+  const char* const name = std::getenv("TERM");
+  const std::string_view kind = name != nullptr ? name : "";
+  return isatty(STDOUT_FILENO) == 1 && !kind.empty() && kind != "dumb";
+}
 
 // The first of these variables that is not empty decides (POSIX, "Environment Variables").
 bool ShowsUnicode() {
@@ -55,7 +69,20 @@ ScreenSize TerminalSize() {
   return {size.ws_col, size.ws_row};
 }
 
+bool IsStopRequested() { return stop_requested != 0; }
+
+void StopProcess() {
+  stop_requested = 0;
+  struct sigaction ours {};
+  struct sigaction stopping {};
+  stopping.sa_handler = SIG_DFL;
+  sigaction(SIGTSTP, &stopping, &ours);
+  std::raise(SIGTSTP);
+  sigaction(SIGTSTP, &ours, nullptr);
+}
+
 LiveTerminal::LiveTerminal() {
+  Catch(SIGTSTP, NoteStopRequest, 0);
   std::FILE* const file = isatty(STDERR_FILENO) == 1 ? std::tmpfile() : nullptr;
   if (file != nullptr) {
     kept_back_ = dup(fileno(file));
@@ -66,6 +93,7 @@ LiveTerminal::LiveTerminal() {
 }
 
 LiveTerminal::~LiveTerminal() {
+  Catch(SIGTSTP, SIG_DFL, 0);
   if (kept_back_ < 0) {
     return;
   }

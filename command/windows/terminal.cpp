@@ -32,12 +32,18 @@ void CatchInterrupts() { SetConsoleCtrlHandler(NoteInterrupt, TRUE); }
 
 bool IsInterrupted() { return interrupted; }
 
+// Consoles before Windows 10 refuse the mode.
 bool IsTerminal() {
   DWORD mode = 0;
-  return GetConsoleMode(Console(), &mode) != 0;
+  if (GetConsoleMode(Console(), &mode) == 0) {
+    return false;
+  }
+  const bool obeys = SetConsoleMode(Console(), mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+  SetConsoleMode(Console(), mode);
+  return obeys;
 }
 
-bool ShowsUnicode() { return SetConsoleOutputCP(CP_UTF8) != 0; }
+bool ShowsUnicode() { return GetConsoleOutputCP() == CP_UTF8; }
 
 ScreenSize TerminalSize() {
   CONSOLE_SCREEN_BUFFER_INFO info{};
@@ -48,10 +54,16 @@ ScreenSize TerminalSize() {
           static_cast<std::size_t>(info.srWindow.Bottom - info.srWindow.Top + 1)};
 }
 
+bool IsStopRequested() { return false; }
+
+void StopProcess() {}
+
 LiveTerminal::LiveTerminal() {
   if (GetConsoleMode(Console(), &mode_) != 0) {
     SetConsoleMode(Console(), mode_ | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
   }
+  code_page_ = GetConsoleOutputCP();
+  SetConsoleOutputCP(CP_UTF8);
   std::FILE* const file = _isatty(kStandardError) != 0 ? std::tmpfile() : nullptr;
   if (file != nullptr) {
     kept_back_ = _dup(_fileno(file));
@@ -64,6 +76,9 @@ LiveTerminal::LiveTerminal() {
 LiveTerminal::~LiveTerminal() {
   if (mode_ != 0) {
     SetConsoleMode(Console(), mode_);
+  }
+  if (code_page_ != 0) {
+    SetConsoleOutputCP(code_page_);
   }
   if (kept_back_ < 0) {
     return;

@@ -1,6 +1,7 @@
 #!/bin/sh
 # check_watch.sh PROGRAM: the live table in a terminal, at 80 and at 40 columns, while a process
-# ends, and after Ctrl-C. Waits for what it looks for, for 30 seconds at most.
+# ends, while it is stopped, and after Ctrl-C; and a terminal on which there is none. Waits for what
+# it looks for, for 30 seconds at most.
 set -u
 
 kestrel=$1
@@ -30,6 +31,15 @@ await() {
   done
 }
 
+# The terminal shows the table, without a cursor, if $1 is 1, and the shell with one if it is 0.
+expect_table() {
+  state=$(tmux_do display-message -p '#{alternate_on} #{cursor_flag}')
+  if [ "$state" != "$1 $((1 - $1))" ]; then
+    echo "other screen and cursor: $state" >&2
+    exit 1
+  fi
+}
+
 sleep 60 &
 first=$!
 sleep 60 &
@@ -53,7 +63,26 @@ fi
 
 kill "$first"
 await "^PID $first  *ended$"
+expect_table 1
+tmux_do send-keys C-z
+await Stopped
+expect_table 0
+tmux_do send-keys "clear; fg; echo status \$?" Enter
+await "^PID $first  *ended$"
+expect_table 1
 tmux_do send-keys C-c
 await '^status 0$'
 await "^PID $second "
+expect_table 0
 tmux_do capture-pane -p
+
+for terminal in dumb ""; do
+  tmux_do send-keys "clear; TERM=$terminal '$kestrel' watch --interval 10ms --count 2; echo ended" \
+    Enter
+  await '^ended$'
+  if [ "$(tmux_do capture-pane -p | grep -c '^RAM .* available')" -ne 2 ]; then
+    echo "with TERM=$terminal there are not two lines:" >&2
+    tmux_do capture-pane -p >&2
+    exit 1
+  fi
+done
