@@ -5,6 +5,7 @@
 #include <stdlib.h>
 
 static const uint64_t kGiB = (uint64_t)1 << 30;
+static const uint64_t kMaxGib = 1000000000; /* in bytes less than 2^63 */
 
 /* Whether the first GPU has that much free memory; prints the answer if it has. */
 static int FitsOnGpu(uint64_t gib) {
@@ -26,6 +27,10 @@ int main(int argc, char** argv) {
   int32_t will_fail = 0;
   kestrel_result result;
   result.struct_size = sizeof result;
+  if (gib < 1 || gib > kMaxGib) {
+    fprintf(stderr, "GIB must be a number from 1 to %u.\n", (unsigned)kMaxGib);
+    return 2;
+  }
   if (FitsOnGpu(gib)) {
     return 0;
   }

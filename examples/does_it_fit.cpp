@@ -6,8 +6,14 @@
 #include <cstdlib>
 #include <iostream>
 
+constexpr long long kMaxGib = 1000000000;  // in bytes less than 2^63
+
 int main(int argc, char** argv) {
   const long long gib = argc > 1 ? std::atoll(argv[1]) : 8;
+  if (gib < 1 || gib > kMaxGib) {
+    std::cerr << "GIB must be a number from 1 to " << kMaxGib << ".\n";
+    return 2;
+  }
   const kestrel_utils::MemoryObserver memory;
   const auto [result, gpus] = kestrel::system::SurveyGpus();
   const long long free_gib = memory.getAvailableVRAM() >> 30;

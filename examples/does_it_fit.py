@@ -4,7 +4,12 @@ import sys
 
 import kestrelcore
 
+MAX_GIB = 1_000_000_000  # in bytes less than 2**63
+
 gib = int(sys.argv[1]) if len(sys.argv) > 1 else 8
+if not 1 <= gib <= MAX_GIB:
+    print(f"GIB must be a number from 1 to {MAX_GIB}.", file=sys.stderr)
+    sys.exit(2)
 gpus = kestrelcore.survey().gpus
 free_gib = kestrelcore.vram().available >> 30 if gpus else 0
 if gpus and free_gib >= gib:

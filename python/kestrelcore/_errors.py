@@ -81,5 +81,8 @@ _CLASSES: dict[int, type[KestrelError]] = {
 
 def error_of(code: int, message: str) -> KestrelError:
     """The exception for a status of the C interface other than success."""
-    known = code in Status._value2member_map_
-    return _CLASSES.get(code, KestrelError)(Status(code) if known else code, message)
+    try:
+        code = Status(code)
+    except ValueError:
+        pass  # a later library has this status
+    return _CLASSES.get(code, KestrelError)(code, message)
