@@ -11,15 +11,16 @@ text { font: 12px sans-serif; fill: #333; }
 .title { font-size: 14px; font-weight: bold; }
 .grid { stroke: #ddd; }
 .own { fill: #1f6fb5; } .c { fill: #6aa6d8; } .limit { fill: #8c8c8c; } .peer { fill: #d9822b; }
-.line { fill: none; stroke-width: 2; }
+.line { stroke-width: 2; }
 .line.own { stroke: #1f6fb5; } .line.limit { stroke: #8c8c8c; } .line.peer { stroke: #d9822b; }
+.line.stat { stroke: #4f9a4f; }
 .line.second { stroke-dasharray: 6 4; }
 @media (prefers-color-scheme: dark) {
   text { fill: #ddd; }
   .grid { stroke: #444; }
   .own { fill: #58a6e8; } .c { fill: #2f6ea5; } .limit { fill: #9a9a9a; } .peer { fill: #f0a350; }
   .line.own { stroke: #58a6e8; } .line.limit { stroke: #9a9a9a; } .line.peer { stroke: #f0a350; }
-  .line { fill: none !important; }
+  .line.stat { stroke: #7cc47c; }
 }
 """
 WIDTH = 760
@@ -101,8 +102,8 @@ def lines(title, x_title, y_title, series):
         elements.append(text(left - 8, up(power) + 4, f"{power:g}", "end"))
     for place, (name, kind, curve) in enumerate(series):
         path = " ".join(f"{across(x):.1f},{up(y):.1f}" for x, y in curve)
-        elements.append(f'<polyline class="line {kind}" points="{path}"/>')
+        elements.append(f'<polyline class="line {kind}" style="fill: none" points="{path}"/>')
         key = top + 12 + 20 * place
-        elements.append(f'<polyline class="line {kind}" points="{right + 20},{key - 4} {right + 50},{key - 4}"/>')
+        elements.append(f'<polyline class="line {kind}" style="fill: none" points="{right + 20},{key - 4} {right + 50},{key - 4}"/>')
         elements.append(text(right + 58, key, name))
     return document(bottom + 50, title, elements)

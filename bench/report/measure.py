@@ -27,7 +27,8 @@ free_memory = 205_084_688_384
 
 def build():
     configure = ["-S", ROOT, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release"]
-    options = ["-DKESTRELCORE_BUILD_BENCHMARKS=ON", "-DKESTRELCORE_BUILD_COMMAND=OFF", "-DBUILD_TESTING=OFF"]
+    left_out = [f"-D{option}=OFF" for option in ("KESTRELCORE_BUILD_COMMAND", "KESTRELCORE_BUILD_HARNESS")]
+    options = ["-DKESTRELCORE_BUILD_BENCHMARKS=ON", "-DBUILD_TESTING=OFF", *left_out]
     subprocess.run(["cmake", *configure, *options], check=True, stdout=sys.stderr)
     subprocess.run(["cmake", "--build", BUILD], check=True, stdout=sys.stderr)
 

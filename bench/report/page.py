@@ -21,7 +21,9 @@ from summary import (
 )
 
 FIGURES = [figure for figure, _, _ in GOALS]
-LOADS = {100: "busy all the time", 37: "37 percent"}
+LOADS = {100: "busy", 37: "37 percent"}
+# The methods of the accuracy, each with its class in the chart.
+METHODS = {"kestrelcore": "own", "perf task clock": "limit", "psutil": "peer", "raw stat": "stat"}
 # The programs whose start is measured, each with the one that loads nothing.
 STARTS = {
     "a C++ program": None,
@@ -110,23 +112,23 @@ def start_table(programs):
     return "\n".join(rows)
 
 
-def accuracy_table(accuracy):
-    methods = sorted({entry["method"] for entry in accuracy})
-    cases = [(duty, method) for duty in LOADS for method in methods]
-    rows = [
-        row("interval", *(f"{LOADS[duty]}: {method}" for duty, method in cases)),
-        "|---" * (len(cases) + 1) + "|",
-    ]
-    worst = {
-        (entry["duty"], entry["interval"], entry["method"]): max(map(abs, entry["errors"])) for entry in accuracy
-    }
+def errors_of(accuracy, duty, interval, method):
+    """The mean and the largest."""
+    errors = next(
+        entry["errors"]
+        for entry in accuracy
+        if (entry["duty"], entry["interval"], entry["method"]) == (duty, interval, method)
+    )
+    return f"{number(mean_error(accuracy, duty, interval, method))} ({number(max(map(abs, errors)))})"
+
+
+def accuracy_table(accuracy, duty):
+    methods = [name for name in METHODS if mean_error(accuracy, duty, 50, name) is not None]
+    rows = [row("interval", *methods), "|---" * (len(methods) + 1) + "|"]
     for interval in sorted({entry["interval"] for entry in accuracy}):
-        cells = []
-        for duty, method in cases:
-            mean = number(mean_error(accuracy, duty, interval, method))
-            cells.append(f"{mean} ({number(worst[duty, interval, method])})")
+        cells = [errors_of(accuracy, duty, interval, name) for name in methods]
         rows.append(row(f"{interval} ms", *cells))
-    return "Mean error, and in parentheses the largest:\n\n" + "\n".join(rows)
+    return "\n".join(rows)
 
 
 def advice(accuracy):
@@ -156,7 +158,7 @@ def page(template, data, folder):
         compiler=machine["compiler"],
         load_before=f"{data['load'][0]:.1f}",
         load_after=f"{data['load'][1]:.1f}",
-        installed=", ".join(f"{name} {version}" for name, version in peers.items() if version),
+        installed=", ".join(f"{name} {version}" for name, version in peers.items() if version) or "nothing",
         missing=f" Not installed: {', '.join(missing)}." if missing else "",
         goals=goals_table(data),
         calls="\n\n".join(calls_table(data, figure) for figure in FIGURES),
@@ -166,7 +168,8 @@ def page(template, data, folder):
         vram_spread=f"{spread_per_device(data['devices'], 'getMachinePhysicalVRAM', 16):.2f}",
         start=start_table(data["times"]["start"]),
         processors=machine["processors"],
-        accuracy=accuracy_table(data["accuracy"]),
+        accuracy_busy=accuracy_table(data["accuracy"], 100),
+        accuracy_bursts=accuracy_table(data["accuracy"], 37),
         advice=advice(data["accuracy"]),
         repetitions=len(data["times"]["SurveyCpu"]["kestrelcore"]),
         duration=data["seconds"],
@@ -211,7 +214,7 @@ def start_chart(programs):
 def accuracy_chart(accuracy):
     series = []
     for duty, style in ((100, ""), (37, " second")):
-        for method, kind in (("kestrelcore", "own"), ("psutil", "peer"), ("raw stat", "limit")):
+        for method, kind in METHODS.items():
             intervals = sorted({entry["interval"] for entry in accuracy if entry["method"] == method})
             curve = [(at, max(mean_error(accuracy, duty, at, method), 0.01)) for at in intervals]
             if curve:
