@@ -112,6 +112,7 @@ TEST(TerminalTest, PipeWithoutAReaderFailsInsteadOfEndingTheProcess) {
 TEST(TerminalTest, OutputToATerminalHasItsSize) {
   ExpectApart([] {
     const PseudoTerminal terminal(STDOUT_FILENO, 100, 30);
+    setenv("TERM", "xterm", 1);
     Require(command::IsTerminal(), "no terminal");
     const auto size = command::TerminalSize();
     Require(size.columns == 100 && size.rows == 30, "another size");
@@ -129,8 +130,21 @@ TEST(TerminalTest, TerminalThatDoesNotSayItsSizeHasTheUsualOne) {
   }
 }
 
+TEST(TerminalTest, TerminalWithoutControlSequencesIsNone) {
+  ExpectApart([] {
+    const PseudoTerminal terminal(STDOUT_FILENO, 100, 30);
+    for (const char* const name : {"dumb", ""}) {
+      setenv("TERM", name, 1);
+      Require(!command::IsTerminal(), "a terminal");
+    }
+    unsetenv("TERM");
+    Require(!command::IsTerminal(), "a terminal");
+  });
+}
+
 TEST(TerminalTest, OutputToAPipeIsNoTerminal) {
   ExpectApart([] {
+    setenv("TERM", "xterm", 1);
     dup2(STDERR_FILENO, STDOUT_FILENO);
     Require(!command::IsTerminal(), "a terminal");
     const auto size = command::TerminalSize();
