@@ -9,18 +9,14 @@ namespace kestrel::platform {
 
 namespace {
 
-// Returns false if the line is missing or malformed.
-bool ParseFigure(std::string_view text, std::string_view name, std::uint64_t& bytes) noexcept {
+// Sets `bytes`. Returns false if the line is malformed or missing; without a line that is
+// `optional` it returns true and leaves `bytes` unchanged.
+bool ParseFigure(std::string_view text, std::string_view name, std::uint64_t& bytes,
+                 bool optional = false) noexcept {
   const auto rest = FindLine(text, name);
   const auto figure = rest ? ParseKibibytes(*rest) : std::nullopt;
   bytes = figure.value_or(bytes);
-  return figure.has_value();
-}
-
-// Like ParseFigure, but a missing line is no error and leaves `bytes` unchanged.
-bool ParseOptionalFigure(std::string_view text, std::string_view name,
-                         std::uint64_t& bytes) noexcept {
-  return !FindLine(text, name) || ParseFigure(text, name, bytes);
+  return figure || (optional && !rest);
 }
 
 }  // namespace
@@ -37,12 +33,13 @@ std::optional<std::uint64_t> ParseKibibytes(std::string_view text) noexcept {
 }
 
 std::optional<Meminfo> ParseMeminfo(std::string_view text) noexcept {
+  constexpr bool kOptional = true;
   Meminfo meminfo;
   const bool complete = ParseFigure(text, "MemTotal:", meminfo.total) &&
                         ParseFigure(text, "MemAvailable:", meminfo.available) &&
                         ParseFigure(text, "SwapFree:", meminfo.swap_free) &&
-                        ParseOptionalFigure(text, "CommitLimit:", meminfo.commit_limit) &&
-                        ParseOptionalFigure(text, "Committed_AS:", meminfo.committed);
+                        ParseFigure(text, "CommitLimit:", meminfo.commit_limit, kOptional) &&
+                        ParseFigure(text, "Committed_AS:", meminfo.committed, kOptional);
   const bool cut_off = text.empty() || text.back() != '\n';
   if (!complete || cut_off || meminfo.available > meminfo.total) {
     return std::nullopt;

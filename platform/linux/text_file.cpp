@@ -51,13 +51,13 @@ std::optional<std::string_view> ReadTextFile(const char* path, char* buffer,
 
 std::optional<std::string_view> FindLine(std::string_view text,
                                          std::string_view beginning) noexcept {
-  for (std::size_t end = 0; (end = text.find('\n')) != std::string_view::npos;) {
-    if (text.substr(0, beginning.size()) == beginning) {
-      return text.substr(beginning.size(), end - beginning.size());
-    }
-    text.remove_prefix(end + 1);
+  std::size_t at = text.find(beginning);
+  while (at != std::string_view::npos && at > 0 && text[at - 1] != '\n') {
+    at = text.find(beginning, at + 1);
   }
-  return std::nullopt;
+  text.remove_prefix(at == std::string_view::npos ? text.size() : at + beginning.size());
+  const std::size_t end = text.find('\n');
+  return end == std::string_view::npos ? std::nullopt : std::optional(text.substr(0, end));
 }
 
 std::optional<std::uint64_t> TakeNumber(std::string_view& text) noexcept {

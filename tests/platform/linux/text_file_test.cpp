@@ -83,6 +83,7 @@ TEST(FindLineTest, RestOfFirstMatchingLineIsReturned) {
   EXPECT_EQ(FindLine("a 1\nb 2\n", "b "), "2");
   EXPECT_EQ(FindLine("b 1\nb 2\n", "b "), "1");
   EXPECT_EQ(FindLine("b \n", "b "), "");
+  EXPECT_EQ(FindLine("ab 1\nb 2\n", "b "), "2");
 }
 
 TEST(FindLineTest, TextElsewhereOnALineDoesNotMatch) {
