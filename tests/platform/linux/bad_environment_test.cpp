@@ -38,10 +38,12 @@ std::string OpenFailures(int pid) {
   return line + line;
 }
 
-TEST(BadEnvironmentTest, WithoutProcOnlyTheTotalIsReported) {
+// The clock of the own process needs no "/proc".
+TEST(BadEnvironmentTest, WithoutProcOnlyTheTotalAndTheOwnCpuUsageAreReported) {
   const Outcome outcome = RunInOwnNamespaces([] {
     Require(mount("none", "/proc", "tmpfs", 0, nullptr) == 0, "mount");
-    RequireNoProcessMeters(1);
+    Require(GetCpuUsage(1, 0) >= 0.0F, "own CPU usage was not measured");
+    RequireNoProcessMeters(2);
     const MemoryObserver observer;
     Require(observer.getAvailableRAM() == 0, "available RAM was reported");
     Require(observer.getUsedRAM() == 0, "used RAM was reported");
@@ -49,7 +51,7 @@ TEST(BadEnvironmentTest, WithoutProcOnlyTheTotalIsReported) {
     Require(!observer.willFailToAllocate(-1), "a failure was predicted");
   });
   EXPECT_TRUE(outcome.ran);
-  EXPECT_EQ(outcome.diagnostics, OpenFailures(1) + "Failed to get global memory status.\n");
+  EXPECT_EQ(outcome.diagnostics, OpenFailures(2) + "Failed to get global memory status.\n");
 }
 
 // Runs `body` in a child of process 1, as user nobody. The groups are dropped too: root's group may
@@ -101,7 +103,8 @@ TEST(BadEnvironmentTest, WithoutDescriptorsOnlyTheTotalIsReported) {
   const Outcome outcome = RunApart([] {
     const rlimit none{0, 0};
     Require(setrlimit(RLIMIT_NOFILE, &none) == 0, "setrlimit");
-    RequireNoProcessMeters(getpid());
+    RequireNoProcessMeters(getppid());
+    Require(GetCpuUsage(getpid(), 0) == -1.0F, "own CPU usage was measured");
     const MemoryObserver observer;
     Require(observer.getAvailableRAM() == 0, "available RAM was reported");
     Require(observer.getUsedRAM() == 0, "used RAM was reported");
@@ -114,11 +117,12 @@ TEST(BadEnvironmentTest, WithoutDescriptorsOnlyTheTotalIsReported) {
   EXPECT_NE(outcome.diagnostics.find("\nFailed to get global memory status.\n"), std::string::npos);
 }
 
-// The open process takes it, so the processors cannot be counted.
-TEST(BadEnvironmentTest, WithOneDescriptorCpuUsageFails) {
+// The open process takes it, so the processors cannot be counted. The own process takes none.
+TEST(BadEnvironmentTest, WithOneDescriptorOnlyTheOwnCpuUsageIsReported) {
   const Outcome outcome = RunApart([] {
     LeaveDescriptors(1);
-    Require(GetCpuUsage(getpid(), 0) == -1.0F, "CPU usage was measured");
+    Require(GetCpuUsage(getppid(), 0) == -1.0F, "CPU usage was measured");
+    Require(GetCpuUsage(getpid(), 0) >= 0.0F, "own CPU usage was not measured");
   });
   EXPECT_TRUE(outcome.ran);
   EXPECT_EQ(outcome.diagnostics, "");

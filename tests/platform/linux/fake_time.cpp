@@ -23,8 +23,9 @@ using kestrel::tests::FakeTime;
 extern "C" {
 
 int clock_gettime(clockid_t clock, timespec* time) noexcept {
-  const auto& fake = clock < 0 ? FakeTime().process_time : FakeTime().now;
-  if (fake && (clock < 0 || clock == CLOCK_MONOTONIC)) {
+  const bool of_process = clock < 0 || clock == CLOCK_PROCESS_CPUTIME_ID;
+  const auto& fake = of_process ? FakeTime().process_time : FakeTime().now;
+  if (fake && (of_process || clock == CLOCK_MONOTONIC)) {
     *time = *fake;
     return 0;
   }

@@ -10,7 +10,7 @@ namespace kestrel::tests {
 // answers.
 struct TimeFake {
   std::optional<timespec> now;           // CLOCK_MONOTONIC
-  std::optional<timespec> process_time;  // the CPU clock of any process named by its pid
+  std::optional<timespec> process_time;  // the CPU clock of any process
 
   bool sleeps = true;               // if not, the calls below only record
   int sleep_error = 0;              // what clock_nanosleep returns then

@@ -205,8 +205,8 @@ TEST(LinuxProcessTest, ThreadsThatEndBeforeTheyAreReadHoldNoMemory) {
 TEST(LinuxProcessTest, WhereThreadGroupProbeIsRefusedOnlyProcessesOpen) {
   for (const int error : {EACCES, EPERM, ENOSYS}) {
     const Outcome outcome = RunApart([error] {
-      RefuseCalls(SYS_tgkill, error);
-      if (!OpensAs(getpid())) {
+      RefuseCalls(SYS_clock_getres, error);
+      if (!OpensAs(getppid())) {
         throw std::runtime_error("a process did not open");
       }
       bool thread_opened = false;
@@ -223,8 +223,8 @@ TEST(LinuxProcessTest, WhereThreadGroupProbeIsRefusedOnlyProcessesOpen) {
 TEST(LinuxProcessTest, WhereThreadGroupProbeFindsNoProcessNothingOpens) {
   for (const int error : {ESRCH, EINVAL}) {
     const Outcome outcome = RunApart([error] {
-      RefuseCalls(SYS_tgkill, error);
-      if (OpensAs(getpid())) {
+      RefuseCalls(SYS_clock_getres, error);
+      if (OpensAs(getppid())) {
         throw std::runtime_error("a process opened");
       }
     });
@@ -232,12 +232,29 @@ TEST(LinuxProcessTest, WhereThreadGroupProbeFindsNoProcessNothingOpens) {
   }
 }
 
-// The "/proc" that remains visible is that of the parent namespace.
-TEST(LinuxProcessTest, ProcOfAnotherNamespaceOpensNothing) {
+// The "/proc" that remains visible is that of the parent namespace. Process 1 there is another one,
+// but "self" is the calling process, which is process 1 here.
+TEST(LinuxProcessTest, ProcOfAnotherNamespaceOpensOwnProcessAlone) {
   const auto outcome = RunInOwnNamespaces([] {
-    if (umount("/proc") != 0 || Process::Open(1, ProcessRights::kTimes) ||
-        Process::Open(getpid(), ProcessRights::kMemory)) {
+    const ChildProcess child(Idle);
+    if (umount("/proc") != 0 || OpensAs(child.pid())) {
       throw std::runtime_error("a process of another namespace was opened");
+    }
+    const std::vector<char> memory(64U << 20, 'x');
+    const auto own = Process::Open(getpid(), ProcessRights::kMemory);
+    if (!own || own->ResidentBytes().value_or(0) < memory.size()) {
+      throw std::runtime_error("the own process was not measured");
+    }
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
+TEST(LinuxProcessTest, OwnTimesNeedNoDescriptor) {
+  const auto outcome = RunApart([] {
+    LeaveDescriptors(0);
+    const auto process = Process::Open(getpid(), ProcessRights::kTimes);
+    if (!process || !process->Times() || Process::Open(getpid(), ProcessRights::kMemory)) {
+      throw std::runtime_error("the times of the own process were not measured");
     }
   });
   EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
