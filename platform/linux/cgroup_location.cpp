@@ -3,8 +3,12 @@
 #include <linux/magic.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
+#include <utility>
 
 #include "platform/linux/line_reader.h"
 #include "platform/linux/optional_file.h"
@@ -19,7 +23,7 @@ namespace {
 constexpr std::string_view kGroupsFile = "/proc/self/cgroup";
 constexpr std::string_view kThreadsGroupsFile = "/proc/thread-self/cgroup";
 constexpr std::string_view kMountsFile = "/proc/thread-self/mountinfo";
-constexpr const char* kNamespaceFile = "/proc/thread-self/ns/cgroup";
+constexpr const char* kNamespaceLink = "/proc/thread-self/ns/cgroup";
 
 // Removes the text up to and including the separator, and returns it without the separator.
 std::string_view TakeField(std::string_view& text, char separator) noexcept {
@@ -80,8 +84,10 @@ bool ReadGroup(std::string_view root, std::string_view groups_file, OwnGroup& ow
   return found;
 }
 
+// The first thread, which reads this itself, has not ended.
 bool ReadOwnGroup(std::string_view root, OwnGroup& own, bool& failed) noexcept {
-  const bool found = ReadGroup(root, kGroupsFile, own, failed) && !own.path.view().empty();
+  const bool found = ReadGroup(root, kGroupsFile, own, failed) &&
+                     (!own.path.view().empty() || gettid() == getpid());
   return found || ReadGroup(root, kThreadsGroupsFile, own, failed);
 }
 
@@ -178,9 +184,10 @@ std::optional<std::string_view> PathBelow(std::string_view mount_root,
 }
 
 // Sets the directory to that of the group below the mount point, or of its nearest ancestor whose
-// files have paths that fit. Returns false if no path fits.
+// files have paths that fit, and opens the mount point. Returns false if no path fits or the mount
+// point cannot be opened; `failed` is set if it exists.
 bool Place(MemoryCgroup& group, std::string_view root, std::string_view escaped_mount_point,
-           std::string_view below) noexcept {
+           std::string_view below, bool& failed) noexcept {
   constexpr std::size_t kLongestName = sizeof("/memory.memsw.limit_in_bytes");
   constexpr std::size_t kLongestDirectory = PathBuffer::kCapacity - kLongestName;
   PathBuffer& directory = group.directory;
@@ -189,29 +196,43 @@ bool Place(MemoryCgroup& group, std::string_view root, std::string_view escaped_
     return false;
   }
   group.top_length = directory.view().size();
+  group.top = FileDescriptor::OfDirectory(directory.c_str());
+  if (!group.top.is_open()) {
+    failed = failed || !MeansAbsent(errno);
+    return false;
+  }
   return directory.Append(NearestAncestor(below, kLongestDirectory - group.top_length));
+}
+
+// Whether an open directory is the top of a hierarchy, with all groups below it.
+bool IsTopOfHierarchy(const FileDescriptor& directory, CgroupVersion version) noexcept {
+  constexpr ino_t kTopOfHierarchy = 1;  // fs/kernfs/dir.c numbers its nodes from 1
+  struct statfs file_system {};
+  struct stat top {};
+  const auto type = version == CgroupVersion::kV2 ? CGROUP2_SUPER_MAGIC : CGROUP_SUPER_MAGIC;
+  return fstatfs(directory.get(), &file_system) == 0 && file_system.f_type == type &&
+         fstat(directory.get(), &top) == 0 && top.st_ino == kTopOfHierarchy;
+}
+
+// The link is read, not followed: it holds the number, and following it takes twice as long.
+bool IsInFirstNamespace() noexcept {
+  constexpr std::string_view kFirst = "cgroup:[4026531835]";  // PROC_CGROUP_INIT_INO
+  std::array<char, kFirst.size() + 1> link;
+  const ssize_t size = readlink(kNamespaceLink, link.data(), link.size());
+  return size > 0 && std::string_view(link.data(), static_cast<std::size_t>(size)) == kFirst;
 }
 
 // Most machines mount the whole hierarchy at its usual place. A process outside containers is in
 // the machine's first cgroup namespace, so its group's path is relative to that place. Checking
-// both takes a tenth of the time in which the kernel writes the mount table.
-bool ShowsWholeHierarchy(const char* point, CgroupVersion version) noexcept {
-  constexpr ino_t kTopOfHierarchy = 1;           // fs/kernfs/dir.c numbers its nodes from 1
-  constexpr ino_t kFirstNamespace = 0xEFFFFFFB;  // PROC_CGROUP_INIT_INO, include/linux/proc_ns.h
-  struct statfs file_system {};
-  struct stat top {};
-  struct stat own_namespace {};
-  const auto type = version == CgroupVersion::kV2 ? CGROUP2_SUPER_MAGIC : CGROUP_SUPER_MAGIC;
-  return statfs(point, &file_system) == 0 && file_system.f_type == type && stat(point, &top) == 0 &&
-         top.st_ino == kTopOfHierarchy && stat(kNamespaceFile, &own_namespace) == 0 &&
-         own_namespace.st_ino == kFirstNamespace;
-}
-
-std::optional<MemoryCgroup> FindAtUsualPlace(const OwnGroup& own) noexcept {
+// both takes a sixth of the time in which the kernel writes the mount table.
+std::optional<MemoryCgroup> FindAtUsualPlace(const OwnGroup& own, bool& failed) noexcept {
   const char* const point =
       own.version == CgroupVersion::kV2 ? "/sys/fs/cgroup" : "/sys/fs/cgroup/memory";
-  MemoryCgroup group{own.version, {}, 0};
-  if (!ShowsWholeHierarchy(point, own.version) || !Place(group, "", point, own.path.view())) {
+  MemoryCgroup group;
+  group.version = own.version;
+  group.top_is_root = true;
+  if (!IsInFirstNamespace() || !Place(group, "", point, own.path.view(), failed) ||
+      !IsTopOfHierarchy(group.top, own.version)) {
     return std::nullopt;
   }
   return group;
@@ -222,11 +243,11 @@ std::optional<MemoryCgroup> FindAtUsualPlace(const OwnGroup& own) noexcept {
 using Rank = std::size_t;
 
 Rank PlaceByMount(MemoryCgroup& group, std::string_view root, const Mount& mount,
-                  std::string_view path) noexcept {
+                  std::string_view path, bool& failed) noexcept {
   const bool ancestor_only = ShowsAncestorOnly(mount.root, path);
   const auto below =
       ancestor_only ? std::optional(std::string_view()) : PathBelow(mount.root, path);
-  if (!below || !Place(group, root, mount.point, *below)) {
+  if (!below || !Place(group, root, mount.point, *below, failed)) {
     return 0;
   }
   return ancestor_only ? 1 : 2 + group.directory.view().size() - group.top_length;
@@ -239,14 +260,14 @@ bool IsGroup(MemoryCgroup& group, bool& failed) noexcept {
   const std::string_view path = group.directory.view();
   const bool removed =
       path.size() >= kRemoved.size() && path.substr(path.size() - kRemoved.size()) == kRemoved;
-  if (FileExists(path, "/cgroup.procs", failed)) {
+  if (FileExists(group.BelowTop(), "/cgroup.procs", failed, group.top.get())) {
     return true;
   }
   if (!removed || path.size() <= group.top_length) {
     return false;
   }
   group.directory.Truncate(path.rfind('/'));
-  return FileExists(group.directory.view(), "/cgroup.procs", failed);
+  return FileExists(group.BelowTop(), "/cgroup.procs", failed, group.top.get());
 }
 
 // Several mounts may show the group, as container runtimes mount only a part of the hierarchy. The
@@ -259,10 +280,11 @@ std::optional<MemoryCgroup> FindInMountTable(std::string_view root, const OwnGro
   LineReader lines(root, kMountsFile);
   while (const auto line = best_rank < whole_path ? lines.Next() : std::nullopt) {
     const auto mount = ParseMemoryMount(*line, own.version);
-    MemoryCgroup group{own.version, {}, 0};
-    const Rank rank = mount ? PlaceByMount(group, root, *mount, own.path.view()) : 0;
+    MemoryCgroup group;
+    group.version = own.version;
+    const Rank rank = mount ? PlaceByMount(group, root, *mount, own.path.view(), failed) : 0;
     if (rank > best_rank && IsGroup(group, failed)) {
-      best = group;
+      best = std::move(group);
       best_rank = rank;
     }
   }
@@ -279,8 +301,8 @@ std::optional<MemoryCgroup> FindMemoryCgroup(std::string_view root, bool& failed
   if (!ReadOwnGroup(root, own, failed)) {
     return std::nullopt;
   }
-  const auto usual = root.empty() ? FindAtUsualPlace(own) : std::nullopt;
-  return usual ? usual : FindInMountTable(root, own, failed);
+  auto usual = root.empty() ? FindAtUsualPlace(own, failed) : std::nullopt;
+  return usual ? std::move(usual) : FindInMountTable(root, own, failed);
 }
 
 }  // namespace kestrel::platform

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/linux/path_buffer.h"
+#include "platform/linux/text_file.h"
 
 namespace kestrel::platform {
 
@@ -18,6 +19,13 @@ struct MemoryCgroup {
   CgroupVersion version = CgroupVersion::kV2;
   PathBuffer directory;        // an ancestor's, if the paths of the group's own files are too long
   std::size_t top_length = 0;  // length of the path prefix that names the topmost visible ancestor
+  FileDescriptor top;          // that ancestor's directory, opened
+  bool top_is_root = false;    // whether that ancestor is known to be the root of the hierarchy
+
+  // The part of `directory` that follows the path of `top`.
+  [[nodiscard]] std::string_view BelowTop() const noexcept {
+    return directory.view().substr(top_length);
+  }
 };
 
 // Finds the memory group to which the kernel charges the memory of this process. Returns `nullopt`

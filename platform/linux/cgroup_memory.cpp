@@ -26,29 +26,30 @@ class GroupReader {
   // Names begin with "/".
   std::optional<std::string_view> Text(std::string_view name, char* buffer,
                                        std::size_t size) noexcept {
-    return ReadOptionalFile(group_.directory.view(), name, buffer, size, failed_);
+    return ReadOptionalFile(group_.BelowTop(), name, buffer, size, failed_, group_.top.get());
   }
 
   std::optional<std::uint64_t> Number(std::string_view name) noexcept {
-    return ReadOptionalNumber(group_.directory.view(), name, failed_);
+    return ReadOptionalNumber(group_.BelowTop(), name, failed_, group_.top.get());
   }
 
-  // Version 1 writes "no limit" as the last whole page below 2^63, which is 9223372036854771712
-  // with pages of 4 KiB. Limits of 2^62 and above therefore count as none; no machine has that much
-  // RAM.
+  // The root of the hierarchy has no limits: version 2 has no files for them there, and version 1
+  // refuses to set them. Version 1 writes "no limit" as the last whole page below 2^63, which is
+  // 9223372036854771712 with pages of 4 KiB. Limits of 2^62 and above therefore count as none; no
+  // machine has that much RAM.
   std::optional<std::uint64_t> Limit(std::string_view name) noexcept {
     constexpr std::uint64_t kNoLimit = std::uint64_t{1} << 62;
-    const auto limit = Number(name);
+    const bool is_root = group_.top_is_root && group_.BelowTop().empty();
+    const auto limit = is_root ? std::nullopt : Number(name);
     return limit && *limit < kNoLimit ? limit : std::nullopt;
   }
 
   // Moves on to the parent group; returns false at the topmost visible one.
   bool StepUp() noexcept {
-    const std::string_view path = group_.directory.view();
-    if (path.size() <= group_.top_length) {
+    if (group_.BelowTop().empty()) {
       return false;
     }
-    group_.directory.Truncate(path.rfind('/'));
+    group_.directory.Truncate(group_.directory.view().rfind('/'));
     return true;
   }
 
@@ -96,32 +97,47 @@ std::optional<std::uint64_t> ReadReclaimable(GroupReader& group) noexcept {
   return SaturatingAdd(SaturatingAdd(*inactive, *active), slab.value_or(0) / 2);
 }
 
-// Reclaim lowers the usage by `reclaimable` at most. The usage may exceed the limit, if the limit
-// was lowered.
-std::uint64_t Headroom(std::uint64_t limit, std::uint64_t usage,
-                       std::uint64_t reclaimable) noexcept {
-  return SaturatingSubtract(limit, SaturatingSubtract(usage, reclaimable));
+// What a group may use and what it uses.
+struct Counter {
+  std::uint64_t limit;
+  std::uint64_t usage;
+
+  // Reclaim lowers the usage by `reclaimable` at most. The usage may exceed the limit, if the limit
+  // was lowered.
+  [[nodiscard]] std::uint64_t Room(std::uint64_t reclaimable = 0) const noexcept {
+    return SaturatingSubtract(limit, SaturatingSubtract(usage, reclaimable));
+  }
+};
+
+// Returns `nullopt` if there is no limit or the usage cannot be read.
+std::optional<Counter> ReadCounter(GroupReader& group, std::string_view limit_name,
+                                   std::string_view usage_name) noexcept {
+  const auto limit = group.Limit(limit_name);
+  const auto usage = limit ? group.Number(usage_name) : std::nullopt;
+  return usage ? std::optional(Counter{*limit, *usage}) : std::nullopt;
 }
 
 // memory.zswap.writeback exists since Linux 6.8. The setting of an ancestor holds for its
 // descendants.
 void NarrowSwapByV2(GroupReader& group, CgroupRoom& room) noexcept {
-  const auto limit = group.Limit("/memory.swap.max");
-  const auto usage = limit ? group.Number("/memory.swap.current") : std::nullopt;
-  if (usage) {
-    room.swap = std::min(room.swap, SaturatingSubtract(*limit, *usage));
+  if (const auto swap = ReadCounter(group, "/memory.swap.max", "/memory.swap.current")) {
+    room.swap = std::min(room.swap, swap->Room());
   }
   room.zswap_writeback = room.zswap_writeback && group.Number("/memory.zswap.writeback") != 0U;
 }
 
+// Of a group's files memory.stat takes longest to read, as the kernel sums it up over processors
+// and descendants. Reclaim only adds room, so the file is read only if the group would be the
+// tightest without it.
+
 // Only memory.max and memory.swap.max are limits. A process above memory.high or memory.swap.high
 // is slowed down, but its allocations succeed.
 void NarrowByV2(GroupReader& group, bool with_swap, CgroupRoom& room) noexcept {
-  const auto limit = group.Limit("/memory.max");
-  const auto usage = limit ? group.Number("/memory.current") : std::nullopt;
-  const auto reclaimable = usage ? ReadReclaimable(group) : std::nullopt;
+  const auto memory = ReadCounter(group, "/memory.max", "/memory.current");
+  const bool may_bind = memory && memory->Room() < room.physical;
+  const auto reclaimable = may_bind ? ReadReclaimable(group) : std::nullopt;
   if (reclaimable) {
-    room.physical = std::min(room.physical, Headroom(*limit, *usage, *reclaimable));
+    room.physical = std::min(room.physical, memory->Room(*reclaimable));
   }
   if (with_swap) {
     NarrowSwapByV2(group, room);
@@ -137,21 +153,22 @@ bool CountsChildren(GroupReader& group) noexcept {
 // "memsw" counts memory and swap together. The kernel keeps its limit at or above the memory limit:
 // no memory limit implies no memsw limit. The memsw files may be missing.
 void NarrowByV1(GroupReader& group, bool is_own, CgroupRoom& room) noexcept {
-  const auto limit = group.Limit("/memory.limit_in_bytes");
-  if (!limit || (!is_own && !CountsChildren(group))) {
+  const auto memory = ReadCounter(group, "/memory.limit_in_bytes", "/memory.usage_in_bytes");
+  if (!memory) {
     return;
   }
-  const auto usage = group.Number("/memory.usage_in_bytes");
-  const auto reclaimable = usage ? ReadReclaimable(group) : std::nullopt;
+  const auto both =
+      ReadCounter(group, "/memory.memsw.limit_in_bytes", "/memory.memsw.usage_in_bytes");
+  const bool may_bind =
+      memory->Room() < room.physical || (both && both->Room() < room.memory_and_swap);
+  const bool binds = may_bind && (is_own || CountsChildren(group));
+  const auto reclaimable = binds ? ReadReclaimable(group) : std::nullopt;
   if (!reclaimable) {
     return;
   }
-  room.physical = std::min(room.physical, Headroom(*limit, *usage, *reclaimable));
-  const auto both_limit = group.Limit("/memory.memsw.limit_in_bytes");
-  const auto both_usage = both_limit ? group.Number("/memory.memsw.usage_in_bytes") : std::nullopt;
-  if (both_usage) {
-    room.memory_and_swap =
-        std::min(room.memory_and_swap, Headroom(*both_limit, *both_usage, *reclaimable));
+  room.physical = std::min(room.physical, memory->Room(*reclaimable));
+  if (both) {
+    room.memory_and_swap = std::min(room.memory_and_swap, both->Room(*reclaimable));
   }
 }
 

@@ -11,38 +11,47 @@
 
 namespace kestrel::platform {
 
+namespace {
+
+const char* RelativeTo(int base, const PathBuffer& path) noexcept {
+  return base == AT_FDCWD ? path.c_str() : path.c_str() + 1;
+}
+
+}  // namespace
+
 bool MeansAbsent(int error) noexcept {
   return error == ENOENT || error == ENOTDIR || error == ENODEV || error == EACCES ||
          error == EPERM;
 }
 
-bool FileExists(std::string_view directory, std::string_view name, bool& failed) noexcept {
+bool FileExists(std::string_view directory, std::string_view name, bool& failed,
+                int base) noexcept {
   PathBuffer path;
   if (!path.Append(directory) || !path.Append(name)) {
     return false;
   }
-  const bool exists = access(path.c_str(), F_OK) == 0;
+  const bool exists = faccessat(base, RelativeTo(base, path), F_OK, 0) == 0;
   failed = failed || (!exists && !MeansAbsent(errno));
   return exists;
 }
 
 std::optional<std::string_view> ReadOptionalFile(std::string_view directory, std::string_view name,
-                                                 char* buffer, std::size_t size,
-                                                 bool& failed) noexcept {
+                                                 char* buffer, std::size_t size, bool& failed,
+                                                 int base) noexcept {
   PathBuffer path;
   if (!path.Append(directory) || !path.Append(name)) {
     return std::nullopt;
   }
-  const FileDescriptor file(AT_FDCWD, path.c_str());
+  const FileDescriptor file(base, RelativeTo(base, path));
   const auto text = file.is_open() ? ReadFromStart(file.get(), buffer, size) : std::nullopt;
   failed = failed || (!text && !MeansAbsent(errno));
   return text;
 }
 
 std::optional<std::uint64_t> ReadOptionalNumber(std::string_view directory, std::string_view name,
-                                                bool& failed) noexcept {
+                                                bool& failed, int base) noexcept {
   std::array<char, 32> buffer;
-  auto text = ReadOptionalFile(directory, name, buffer.data(), buffer.size(), failed);
+  auto text = ReadOptionalFile(directory, name, buffer.data(), buffer.size(), failed, base);
   const auto number = text ? TakeNumber(*text) : std::nullopt;
   return number && *text == "\n" ? number : std::nullopt;
 }

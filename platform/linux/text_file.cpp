@@ -18,6 +18,14 @@ FileDescriptor::FileDescriptor(int directory, const char* path) noexcept {
   } while (descriptor_ < 0 && errno == EINTR);
 }
 
+FileDescriptor FileDescriptor::OfDirectory(const char* path) noexcept {
+  FileDescriptor directory;
+  do {
+    directory.descriptor_ = open(path, O_PATH | O_DIRECTORY | O_CLOEXEC);
+  } while (!directory.is_open() && errno == EINTR);
+  return directory;
+}
+
 FileDescriptor::~FileDescriptor() {
   if (is_open()) {
     close(descriptor_);

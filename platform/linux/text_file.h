@@ -13,13 +13,22 @@ namespace kestrel::platform {
 // A file descriptor that closes itself.
 class FileDescriptor {
  public:
+  FileDescriptor() noexcept = default;
   // Opens read-only and close-on-exec, relative to `directory` (AT_FDCWD: the working directory).
   // If that fails, `is_open` returns false and errno has the reason.
   FileDescriptor(int directory, const char* path) noexcept;
   explicit FileDescriptor(int descriptor) noexcept : descriptor_(descriptor) {}
+  FileDescriptor(FileDescriptor&& other) noexcept : descriptor_(other.release()) {}
+  FileDescriptor& operator=(FileDescriptor&& other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    return *this;
+  }
   FileDescriptor(const FileDescriptor&) = delete;
   FileDescriptor& operator=(const FileDescriptor&) = delete;
   ~FileDescriptor();
+
+  // Opens a directory only as the place where other paths begin, which needs no right to read it.
+  [[nodiscard]] static FileDescriptor OfDirectory(const char* path) noexcept;
 
   [[nodiscard]] int get() const noexcept { return descriptor_; }
   [[nodiscard]] bool is_open() const noexcept { return descriptor_ >= 0; }

@@ -1,11 +1,14 @@
 #include "platform/linux/cgroup_location.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <thread>
 
 #include "tests/platform/linux/child_process.h"
 #include "tests/platform/linux/machine_tree.h"
@@ -163,7 +166,18 @@ TEST_F(CgroupLocationTest, GroupOfCallingThreadIsUsedAfterFirstThreadEnded) {
   MakeGroup("/sys/fs/cgroup");
   MakeGroup("/sys/fs/cgroup/other");
   tree_.Write("/proc/self/cgroup", "0::/\n");
-  EXPECT_EQ(Find("0::/other\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/other");
+  std::string found;
+  std::thread([&] { found = Find("0::/other\n", MountV2("/", "/sys/fs/cgroup")); }).join();
+  EXPECT_EQ(found, "v2 /sys/fs/cgroup|/other");
+}
+
+// While it runs, "/" is its group.
+TEST_F(CgroupLocationTest, GroupOfFirstThreadIsReadOnceIfItCalls) {
+  MakeGroup("/sys/fs/cgroup");
+  tree_.Write("/proc/self/cgroup", "0::/\n");
+  tree_.MakeUnreadable("/proc/thread-self/cgroup");
+  tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
+  EXPECT_EQ(Find(), "v2 /sys/fs/cgroup|");
 }
 
 TEST_F(CgroupLocationTest, NameThatBeginsWithDotsStaysInNamespace) {
@@ -367,6 +381,25 @@ TEST_F(CgroupLocationTest, MalformedFilesGiveNoGroup) {
         "30 23 0:26 / /sys rw - cgroup2 cut off"}) {
     EXPECT_EQ(Find("0::/a\n", mounts), "none") << mounts;
   }
+}
+
+TEST_F(CgroupLocationTest, TopmostVisibleAncestorIsOpened) {
+  MakeGroup("/sys/fs/cgroup/a/b");
+  tree_.WriteGroups("0::/a/b\n");
+  tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
+  bool failed = false;
+  const auto group = FindMemoryCgroup(tree_.root(), failed);
+  ASSERT_TRUE(group);
+  EXPECT_EQ(group->BelowTop(), "/a/b");
+  EXPECT_EQ(faccessat(group->top.get(), "a/b/cgroup.procs", F_OK, 0), 0);
+  EXPECT_FALSE(group->top_is_root);  // in a container, "/" is any group
+}
+
+TEST_F(CgroupLocationTest, MountPointThatCannotBeOpenedFails) {
+  tree_.WriteGroups("0::/a\n");
+  tree_.WriteMounts(MountV2("/", "/loop"));
+  std::filesystem::create_symlink("loop", tree_.root() + "/loop");
+  EXPECT_EQ(Find(), "failed");
 }
 
 // The root "/." names this machine too, but switches the shortcut off.

@@ -1,11 +1,15 @@
 #include "platform/linux/cgroup_memory.h"
 
 #include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <unistd.h>
 
 #include <cstdint>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "tests/platform/linux/child_process.h"
 #include "tests/platform/linux/machine_tree.h"
 
 namespace kestrel::tests {
@@ -123,6 +127,20 @@ TEST_F(CgroupMemoryV2Test, SmallestRoomOfAllLevelsWins) {
     }
     EXPECT_EQ(Read().physical, 900U) << tightest;
   }
+}
+
+// The own group leaves 900.
+TEST_F(CgroupMemoryV2Test, AncestorsStatisticsAreReadOnlyIfItMayBeTheTightest) {
+  WriteGroup("/a/b", "1000", "100");
+  WriteGroup("/a", "2000", "1101");
+  Write("/a", "stat", "inactive_file 400\nactive_file 0\n");
+  EXPECT_EQ(Read().physical, 900U);
+  Write("/a", "stat", "inactive_file 0\nactive_file 0\n");
+  EXPECT_EQ(Read().physical, 899U);
+  tree_.MakeUnreadable("/cg/a/memory.stat");
+  EXPECT_FALSE(ReadCgroupRoom(tree_.root(), /*with_swap=*/true));
+  Write("/a", "current", "1100\n");
+  EXPECT_EQ(Read().physical, 900U);
 }
 
 TEST_F(CgroupMemoryV2Test, AncestorsLimitHoldsWithoutFilesOfOwnGroup) {
@@ -400,7 +418,42 @@ TEST_F(CgroupMemoryV1Test, UnreadableFileFails) {
                                  "memsw.limit_in_bytes", "memsw.usage_in_bytes"}) {
     EXPECT_TRUE(fails_without("/a/b", file)) << file;
   }
-  EXPECT_TRUE(fails_without("/a", "use_hierarchy"));
+}
+
+// The own group leaves 900 of memory, and 1300 of memory and swap.
+TEST_F(CgroupMemoryV1Test, AncestorIsReadInFullOnlyIfItMayBeTheTightest) {
+  const auto reads = [this](const std::string& file, const std::string& usage,
+                            const std::string& both_usage) {
+    WriteGroup("/a/b", "1000", "100");
+    WriteBoth("/a/b", "1500", "200");
+    WriteGroup("/a", "2000", usage);
+    WriteBoth("/a", "2500", both_usage);
+    tree_.MakeUnreadable("/cg/a/memory." + file);
+    const bool read = !ReadCgroupRoom(tree_.root(), /*with_swap=*/true);
+    tree_.Remove("/cg/a/memory." + file);
+    return read;
+  };
+  for (const std::string file : {"use_hierarchy", "stat"}) {
+    EXPECT_TRUE(reads(file, "1101", "1200")) << file;
+    EXPECT_TRUE(reads(file, "1100", "1201")) << file;
+    EXPECT_FALSE(reads(file, "1100", "1200")) << file;
+  }
+}
+
+// Another file is mounted over the one that the root of a hierarchy of version 1 has. Its reads
+// fail.
+TEST(CgroupMemoryOfThisMachineTest, LimitOfHierarchysRootIsNotRead) {
+  const auto outcome = RunInOwnNamespaces([] {
+    const std::string limit = "/sys/fs/cgroup/memory/memory.limit_in_bytes";
+    if (access(limit.c_str(), F_OK) == 0 &&
+        mount("/proc/self/mem", limit.c_str(), nullptr, MS_BIND, nullptr) != 0) {
+      throw std::runtime_error("mount");
+    }
+    if (!ReadCgroupRoom("", /*with_swap=*/false)) {
+      throw std::runtime_error("the limit of the root was read");
+    }
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "platform/linux/text_file.h"
 #include "tests/platform/linux/machine_tree.h"
 
 namespace kestrel::tests {
@@ -93,6 +94,17 @@ TEST_F(OptionalFileTest, ExistenceIsReported) {
   std::filesystem::create_symlink("loop", tree_.root() + "/loop");
   EXPECT_FALSE(FileExists(tree_.root(), "/loop", failed_));
   EXPECT_TRUE(failed_);
+}
+
+TEST_F(OptionalFileTest, PathWithBaseIsRelativeToIt) {
+  tree_.Write("/below/file", "5\n");
+  const auto base = platform::FileDescriptor::OfDirectory(tree_.root().c_str());
+  EXPECT_EQ(ReadOptionalNumber("/below", "/file", failed_, base.get()), 5U);
+  EXPECT_EQ(ReadOptionalNumber("", "/file", failed_, base.get()), std::nullopt);
+  EXPECT_TRUE(FileExists("/below", "/file", failed_, base.get()));
+  EXPECT_TRUE(FileExists("", "/below", failed_, base.get()));
+  EXPECT_FALSE(FileExists("", "/file", failed_, base.get()));
+  EXPECT_FALSE(failed_);
 }
 
 TEST_F(OptionalFileTest, SuccessAfterFailureKeepsFailure) {

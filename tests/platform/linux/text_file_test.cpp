@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <string>
+#include <utility>
 
 #include "tests/platform/linux/interrupted_open.h"
 #include "tests/platform/linux/short_read.h"
@@ -77,6 +78,26 @@ TEST_F(TextFileTest, DescriptorClosesItselfUnlessReleased) {
   EXPECT_EQ(fcntl(closed, F_GETFD), -1);
   EXPECT_EQ(fcntl(kept, F_GETFD), FD_CLOEXEC);
   close(kept);
+}
+
+TEST_F(TextFileTest, DescriptorIsMoved) {
+  FileDescriptor first(AT_FDCWD, path_.c_str());
+  const int number = first.get();
+  FileDescriptor second(std::move(first));
+  EXPECT_EQ(second.get(), number);
+  FileDescriptor third;
+  EXPECT_FALSE(third.is_open());
+  third = std::move(second);
+  EXPECT_EQ(third.get(), number);
+  EXPECT_EQ(fcntl(number, F_GETFD), FD_CLOEXEC);
+}
+
+TEST_F(TextFileTest, OnlyDirectoriesOpenAsDirectories) {
+  const FileDescriptor directory = FileDescriptor::OfDirectory("/");
+  EXPECT_TRUE(directory.is_open());
+  EXPECT_EQ(fcntl(directory.get(), F_GETFD), FD_CLOEXEC);
+  EXPECT_FALSE(FileDescriptor::OfDirectory(path_.c_str()).is_open());
+  EXPECT_EQ(errno, ENOTDIR);
 }
 
 TEST(FindLineTest, RestOfFirstMatchingLineIsReturned) {
