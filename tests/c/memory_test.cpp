@@ -92,6 +92,11 @@ TEST_F(MemoryTest, ForecastOfAnAllocationThatFailsSaysWhatIsMissing) {
   EXPECT_EQ(forecast_.missing, 5U);
 }
 
+TEST_F(MemoryTest, SpareBytesOfAnAllocationBeyondWhatIsAvailableAreTheRestToCommit) {
+  EXPECT_EQ(kestrel_memory_forecast(7 * kGiB, &forecast_, &result_), KESTREL_OK);
+  EXPECT_EQ(forecast_.spare, kGiB);
+}
+
 TEST_F(MemoryTest, ForecastAgreesWithThePredictionAtEveryEdge) {
   for (const std::uint64_t bytes :
        {std::uint64_t{0}, 6 * kGiB, 6 * kGiB + 1, 8 * kGiB - 1, 8 * kGiB, 8 * kGiB + 1, kHuge}) {

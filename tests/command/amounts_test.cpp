@@ -25,11 +25,14 @@ TEST(AmountsTest, SizesAreReadWithEveryUnit) {
       {"1K", 1024},
       {"1KiB", 1024},
       {"1kb", 1000},
+      {"1kB", 1000},
+      {"3Kib", 3072},
       {"800MB", 800'000'000},
       {"1.5G", 1'610'612'736},
       {"24GiB", 25'769'803'776},
       {"24gib", 25'769'803'776},
       {"2T", 2'199'023'255'552},
+      {"1TB", 1'000'000'000'000},
       {"1PB", 1'000'000'000'000'000},
       {"18446744073709551615", kMost},
       {"16383P", 16383ULL << 50U},
@@ -49,9 +52,19 @@ TEST(AmountsTest, PartOfAByteCountsAsAByte) {
 }
 
 TEST(AmountsTest, TextsThatAreNoSizeAreRefused) {
-  for (const char* text :
-       {"", " 1", "1 ", "-1", "+1", ".5", "1.", "1.x", "G", "1X", "1GiBs", "1Ki", "1 G", "0x10",
-        "1e3", "18446744073709551616", "16384P", "18446744073709551615.5"}) {
+  for (const char* text : {"",       " 1",
+                           "1 ",     "-1",
+                           "+1",     ".5",
+                           "1.",     "1.x",
+                           "G",      "1X",
+                           "1GiBs",  "1Ki",
+                           "1 G",    "0x10",
+                           "1e3",    "18446744073709551616",
+                           "16384P", "18446744073709551615.5",
+                           "1./",    "1.:",
+                           "1.5-",   "1E",
+                           "1 KiB",  "1KX",
+                           "1BB",    "1ib"}) {
     EXPECT_EQ(ParseSize(text), std::nullopt) << text;
   }
 }
@@ -67,7 +80,8 @@ TEST(AmountsTest, IntervalsAreReadWithEveryUnit) {
 }
 
 TEST(AmountsTest, TextsThatAreNoIntervalAreRefused) {
-  for (const char* text : {"", "0", "0ms", "-1s", "1h", "s", "86401s", "99999999999999999999ms"}) {
+  for (const char* text : {"", "0", "0ms", "-1s", "1h", "s", "86401s", "86400.001s", "1441m",
+                           "99999999999999999999ms", "999999999999999999m", "1M", "1S", "1sm"}) {
     EXPECT_EQ(ParseInterval(text), std::nullopt) << text;
   }
 }
@@ -87,6 +101,9 @@ TEST(AmountsTest, SizesAreWrittenWithTheLargestUnitThatGivesOneOrMore) {
       {1024, "1.00 KiB"},
       {1536, "1.50 KiB"},
       {1024 * 1024 - 1, "1023.99 KiB"},
+      {1024 * 1024, "1.00 MiB"},
+      {1024 * 1024 + 1024 * 1024 / 10, "1.09 MiB"},
+      {1024 * 1024 + 1024 * 1024 / 10 + 1, "1.10 MiB"},
       {1 << 30, "1.00 GiB"},
       {(1 << 30) + (1 << 24), "1.01 GiB"},
       {kMost, "16383.99 PiB"},

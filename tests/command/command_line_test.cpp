@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -49,6 +51,33 @@ TEST(CommandLineTest, FitsTakesASizeAndADevice) {
   EXPECT_EQ(Parse<command::FitsRequest>({"fits", "5", "--vram"}).device, 0);
 }
 
+TEST(CommandLineTest, WatchTakesProcessesAnIntervalACountAndAFormat) {
+  const auto machine = Parse<command::WatchRequest>({"watch"});
+  EXPECT_TRUE(machine.pids.empty());
+  EXPECT_EQ(machine.interval, std::chrono::milliseconds(1000));
+  EXPECT_EQ(machine.count, std::nullopt);
+  EXPECT_FALSE(machine.json);
+  const auto processes = Parse<command::WatchRequest>(
+      {"watch", "1", "2147483647", "--interval", "2ms", "--count", "1", "--format", "json"});
+  EXPECT_EQ(processes.pids, (std::vector<int>{1, 2147483647}));
+  EXPECT_EQ(processes.interval, std::chrono::milliseconds(2));
+  EXPECT_EQ(processes.count, 1U);
+  EXPECT_TRUE(processes.json);
+  EXPECT_FALSE(Parse<command::WatchRequest>({"watch", "--format", "text"}).json);
+  EXPECT_EQ(Parse<command::WatchRequest>({"watch", "--count", "18446744073709551615"}).count,
+            18446744073709551615U);
+}
+
+TEST(CommandLineTest, RecordTakesAFileOrNone) {
+  EXPECT_EQ(Parse<command::RecordRequest>({"record"}).file, "");
+  EXPECT_EQ(Parse<command::RecordRequest>({"record", "a b.toml"}).file, "a b.toml");
+}
+
+TEST(CommandLineTest, ExplainTakesNothing) {
+  Parse<command::ExplainRequest>({"explain"});
+  EXPECT_NE(RefusalOf({"explain", "1"}), "accepted");
+}
+
 TEST(CommandLineTest, HelpOfEverySubcommandHasItsExample) {
   for (const auto& subcommand : command::KestrelManual().subcommands) {
     const auto help = Parse<command::TextRequest>({subcommand.name, "--help"}).text;
@@ -93,6 +122,24 @@ TEST(CommandLineTest, RefusalSaysInOneLineWhatIsWrongAndWhatIsAllowed) {
   EXPECT_EQ(RefusalOf({"fits", "1", "--vram", "--device", "x"}),
             "kestrel fits: --device 'x' is not the number of a GPU, from 0 (see 'kestrel fits "
             "--help')");
+  for (const std::string pid : {"0", "x", "2147483648"}) {
+    EXPECT_EQ(RefusalOf({"watch", "1", pid}),
+              "kestrel watch: PID '" + pid +
+                  "' is not the number of a process, from 1 (see 'kestrel watch --help')");
+  }
+  EXPECT_EQ(RefusalOf({"watch", "--interval", "0"}),
+            "kestrel watch: --interval '0' is not a time from 1ms to a day, such as 500ms, 1s or "
+            "2m (see 'kestrel watch --help')");
+  for (const std::string count : {"0", "x", "18446744073709551616"}) {
+    EXPECT_EQ(RefusalOf({"watch", "--count", count}),
+              "kestrel watch: --count '" + count +
+                  "' is not a number of samples, from 1 (see 'kestrel watch --help')");
+  }
+  EXPECT_EQ(RefusalOf({"watch", "--format", "xml"}),
+            "kestrel watch: --format: xml not in {text,json} (see 'kestrel watch --help')");
+  EXPECT_EQ(RefusalOf({"fits", "1", "--vram", "--device", "2147483648"}),
+            "kestrel fits: --device '2147483648' is not the number of a GPU, from 0 (see 'kestrel "
+            "fits --help')");
   EXPECT_EQ(RefusalOf({"record", ""}),
             "kestrel record: FILE is empty (see 'kestrel record --help')");
   for (const auto& arguments : std::vector<std::vector<std::string>>{

@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "command/system_facts.h"
 #include "tests/command/machine.h"
 #include "tests/fakes/bound_runtime_fake.h"
 
@@ -29,10 +32,28 @@ class ExplainTest : public testing::Test {
 };
 
 TEST_F(ExplainTest, EachStepIsWrittenByItself) {
+  std::vector<std::string> titles = {"Processor",   "Device files", "Masks in the environment",
+                                     "HIP runtime", "GPUs",         "\nMemory"};
+  if (!command::HasDeviceFiles()) {
+    titles.erase(titles.begin() + 1);
+  }
   Explain();
-  ASSERT_GE(steps_.size(), 5U);
-  EXPECT_EQ(steps_.front().find("Processor\n"), 0U);
-  EXPECT_EQ(steps_.back().find("\nMemory\n"), 0U);
+  ASSERT_EQ(steps_.size(), titles.size());
+  for (std::size_t i = 0; i < titles.size(); ++i) {
+    EXPECT_EQ(steps_[i].find(titles[i] + "\n"), 0U) << steps_[i];
+  }
+}
+
+TEST_F(ExplainTest, EveryMaskIsShownAsItIsSet) {
+  std::string masks = "Masks in the environment\n";
+  for (const char* const name : {"ROCR_VISIBLE_DEVICES", "HIP_VISIBLE_DEVICES",
+                                 "CUDA_VISIBLE_DEVICES", "GPU_DEVICE_ORDINAL"}) {
+    const char* const value = std::getenv(name);
+    masks += std::string("  ") + name +
+             (value != nullptr ? "='" + std::string(value) + "'\n" : " is not set\n");
+  }
+  const std::string text = Explain();
+  EXPECT_NE(text.find(masks), std::string::npos) << text;
 }
 
 TEST_F(ExplainTest, RuntimesThatWerePassedOverAreNamedWithTheirReason) {

@@ -20,13 +20,17 @@ TEST_F(FitsTest, SizeThatFitsSaysWhatIsLeft) {
   EXPECT_EQ(outcome.output,
             "fits: 5.00 GiB leaves 3.00 GiB (6.00 GiB available and 2.00 GiB committable beyond "
             "that, limited by the machine's free memory)\n");
+  EXPECT_EQ(outcome.error, "");
 }
 
 TEST_F(FitsTest, SizeThatWouldFailSaysHowMuchIsMissing) {
   EXPECT_EQ(RunFits({8 * kGiB, false, 0}).status, command::kSuccess);
   const auto outcome = RunFits({8 * kGiB + 1, false, 0});
   EXPECT_EQ(outcome.status, command::kWouldFail);
-  EXPECT_EQ(outcome.output.find("would fail: 8.00 GiB is 1 B too much ("), 0U) << outcome.output;
+  EXPECT_EQ(outcome.output,
+            "would fail: 8.00 GiB is 1 B too much (6.00 GiB available and 2.00 GiB committable "
+            "beyond that, limited by the machine's free memory)\n");
+  EXPECT_EQ(outcome.error, "");
 }
 
 TEST_F(FitsTest, GroupThatDecidesIsNamed) {

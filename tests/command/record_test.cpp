@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <string>
 
+#include "c/kestrelcore.h"
 #include "simulator/machine_file.h"
 #include "tests/command/machine.h"
 
@@ -109,6 +113,62 @@ TEST_F(RecordTest, AllOfTheMostDevicesAreRecorded) {
   EXPECT_EQ(recorded.devices.size(), 1024U);
   EXPECT_EQ(recorded.claimed_device_count, std::nullopt);
   EXPECT_EQ(command::RunRecord({}).status, command::kSuccess);
+}
+
+TEST_F(RecordTest, TextIsAMachineFile) {
+  machine_.faults = {{"hipMemGetInfo", 1, std::nullopt, hipErrorNotReady}};
+  simulator::Install(machine_);
+  const auto file = command::RecordMachine();
+  EXPECT_EQ(file.left_out, 0);
+  EXPECT_EQ(file.text, std::string("# Recorded by kestrel ") + kestrel_version_text() + R"(.
+
+[[device]]
+name = "Card"
+arch = "gfx1102"
+integrated = false
+total_memory = 8589934592
+free_memory = 7516192768
+properties_memory = 8589934592
+
+[[device]]
+name = "Graphics"
+arch = "gfx1103"
+integrated = true
+total_memory = 0
+free_memory = 0
+properties_memory = 4294967296
+
+[[fault]]
+operation = "hipMemGetInfo"
+device = 1
+status = "hipErrorNotReady"
+)");
+}
+
+TEST_F(RecordTest, StatusThatHasNoNameIsAnUnknownError) {
+  machine_.faults = {{"hipSetDevice", 0, std::nullopt, static_cast<hipError_t>(1900)}};
+  EXPECT_EQ(Recorded().faults[0].status, hipErrorUnknown);
+}
+
+TEST_F(RecordTest, FileHoldsTheMachine) {
+  const std::string path = testing::TempDir() + "kestrel-record-test.toml";
+  const auto outcome = command::RunRecord({path});
+  EXPECT_EQ(outcome.status, command::kSuccess);
+  EXPECT_EQ(outcome.output, "");
+  EXPECT_EQ(outcome.error, "");
+  std::ifstream file(path, std::ios::binary);
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), command::RecordMachine().text);
+  file.close();
+  std::remove(path.c_str());
+}
+
+TEST_F(RecordTest, FileThatCannotBeWrittenIsNamedWithTheReason) {
+  const std::string path = testing::TempDir() + "no-such-folder/machine.toml";
+  const auto outcome = command::RunRecord({path});
+  EXPECT_EQ(outcome.status, command::kOutputFailure);
+  EXPECT_EQ(outcome.output, "");
+  EXPECT_EQ(outcome.error,
+            "kestrel record: '" + path + "' could not be written: No such file or directory");
 }
 
 }  // namespace

@@ -29,8 +29,19 @@ TEST(SurveyLabelsTest, LongValueIsCutAndEndsWithALetterOrDigit) {
   survey.gpus[0].name = "_(" + std::string(62, 'x') + " y";
   EXPECT_NE(command::SurveyLabels(survey).find("name=" + std::string(62, 'x') + "\n"),
             std::string::npos);
+  survey.gpus[0].name = std::string(64, 'x');
+  EXPECT_NE(command::SurveyLabels(survey).find("name=" + std::string(63, 'x') + "\n"),
+            std::string::npos);
   survey.gpus[0].name = "(!)";
   EXPECT_NE(command::SurveyLabels(survey).find("name=\n"), std::string::npos);
+}
+
+TEST(SurveyLabelsTest, OtherCharactersThanLettersDigitsDotsAndUnderscoresBecomeOneDash) {
+  command::MachineSurvey survey = ExampleSurvey();
+  survey.gpus.resize(1);
+  survey.gpus[0].name = "-.a/0:9@A[Z`a{z_1.2 \xC3\xA9--3._-";
+  EXPECT_NE(command::SurveyLabels(survey).find("name=a-0-9-A-Z-a-z_1.2-3\n"), std::string::npos)
+      << command::SurveyLabels(survey);
 }
 
 TEST(SurveyLabelsTest, FailedPartsHaveNoLabels) {

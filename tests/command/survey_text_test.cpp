@@ -49,5 +49,15 @@ TEST(SurveyTextTest, MachineWithoutGpusOrExtensionsSaysNone) {
   EXPECT_NE(text.find("GPUs\n  none\n"), std::string::npos);
 }
 
+TEST(SurveyReportTest, EachFormatHasItsOwnText) {
+  const auto survey = ExampleSurvey();
+  using command::SurveyFormat;
+  EXPECT_EQ(command::SurveyReport(survey, SurveyFormat::kText), command::SurveyText(survey));
+  EXPECT_EQ(command::SurveyReport(survey, SurveyFormat::kJson), command::SurveyJson(survey));
+  EXPECT_EQ(command::SurveyReport(survey, SurveyFormat::kPrometheus),
+            command::SurveyMetrics(survey));
+  EXPECT_EQ(command::SurveyReport(survey, SurveyFormat::kLabels), command::SurveyLabels(survey));
+}
+
 }  // namespace
 }  // namespace kestrel::tests

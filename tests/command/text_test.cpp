@@ -34,5 +34,38 @@ TEST(TextTest, EachInvalidByteIsReplaced) {
             "a" + twice + "b");
 }
 
+// The first and the last code point of each length of its sequence and next to the surrogates.
+TEST(TextTest, EverySequenceUpToTheLastCodePointIsKept) {
+  for (const char* text :
+       {"\x7E", "\xC2\xA0", "\xC3\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xE1\x80\x80", "\xED\x9F\xBF",
+        "\xEE\x80\x80", "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF1\x80\x80\x80", "\xF3\xBF\xBF\xBF",
+        "\xF4\x8F\xBF\xBF"}) {
+    EXPECT_EQ(PrintableText(text), text);
+  }
+}
+
+TEST(TextTest, SequencesThatStandForNoCodePointAreReplaced) {
+  for (const std::string text :
+       {"\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF", "\xED\xA0\x80", "\xED\xBF\xBF",
+        "\xF4\x90\x80\x80", "\xF8\x88\x80\x80", "\xF9\x80\x80\x80", "\xFC\x80\x80\x80"}) {
+    std::string replaced;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      replaced += kReplacement;
+    }
+    EXPECT_EQ(PrintableText(text), replaced);
+  }
+}
+
+TEST(TextTest, EveryControlCharacterBecomesABlank) {
+  for (char letter = 1; letter < 0x20; ++letter) {
+    EXPECT_EQ(PrintableText(std::string(1, letter)), " ");
+  }
+  EXPECT_EQ(PrintableText("\xC2\x80"), " ");
+  EXPECT_EQ(PrintableText("\xC2\x9F"), " ");
+  EXPECT_EQ(PrintableText("!"), "!");
+  EXPECT_EQ(PrintableText("\xC3\x80"), "\xC3\x80");
+  EXPECT_EQ(PrintableText("a\xFF", "?"), "a?");
+}
+
 }  // namespace
 }  // namespace kestrel::tests

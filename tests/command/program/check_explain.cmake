@@ -6,14 +6,20 @@ cmake_minimum_required(VERSION 3.25)
 
 set(ENV{LD_LIBRARY_PATH} "${RUNTIME}")
 set(ENV{KESTREL_SIM_MACHINE} "${MACHINE}")
+set(ENV{ROCR_VISIBLE_DEVICES} 0,1)
 set(ENV{HIP_VISIBLE_DEVICES} 1)
+set(ENV{CUDA_VISIBLE_DEVICES} 3)
+set(ENV{GPU_DEVICE_ORDINAL} 2)
 execute_process(COMMAND ${RUN} explain OUTPUT_VARIABLE output ERROR_VARIABLE output
                 RESULT_VARIABLE status)
 foreach(
   line
   "AVX yes, AVX2 yes \\(CPUID\\)"
   "/dev/kfd: "
+  "ROCR_VISIBLE_DEVICES='0,1'"
   "HIP_VISIBLE_DEVICES='1'"
+  "CUDA_VISIBLE_DEVICES='3'"
+  "GPU_DEVICE_ORDINAL='2'"
   "-> HIP_VISIBLE_DEVICES may hide GPUs"
   "libamdhip64.so.7, already loaded: not loaded by this process"
   "used: ${RUNTIME}/libamdhip64.so"
