@@ -52,16 +52,24 @@ TEST(ExplanationTest, ProcessorWithEverythingNeedsNoAdvice) {
 
 TEST(ExplanationTest, ProcessorWithoutAvx2IsNamed) {
   EXPECT_FALSE(command::CanUseAvx2({true, false, 0x7}));
-  EXPECT_TRUE(Contains(SectionText(command::ExplainProcessor({true, false, 0x7})),
-                       "-> kestrelcore needs a processor with AVX2"));
+  EXPECT_EQ(SectionText(command::ExplainProcessor({true, false, 0x7})),
+            "Processor\n"
+            "  AVX yes, AVX2 no (CPUID)\n"
+            "  the operating system saves the AVX registers: yes (XGETBV)\n"
+            "  -> kestrelcore needs a processor with AVX2; in a virtual machine, pass the host's "
+            "processor through\n");
 }
 
 TEST(ExplanationTest, RegistersThatAreNotSavedAreNamed) {
-  for (const auto saved : {std::optional<std::uint64_t>(), std::optional<std::uint64_t>(0x3)}) {
+  for (const auto saved : {std::optional<std::uint64_t>(), std::optional<std::uint64_t>(0x3),
+                           std::optional<std::uint64_t>(0x5)}) {
     EXPECT_FALSE(command::CanUseAvx2({true, true, saved}));
     const std::string text = SectionText(command::ExplainProcessor({true, true, saved}));
     EXPECT_TRUE(Contains(text, "saves the AVX registers: no")) << text;
-    EXPECT_TRUE(Contains(text, "-> the operating system or the hypervisor")) << text;
+    EXPECT_TRUE(Contains(text,
+                         "-> the operating system or the hypervisor has switched AVX off (on "
+                         "Linux: noxsave)\n"))
+        << text;
   }
 }
 
@@ -104,8 +112,17 @@ TEST(ExplanationTest, MissingFileIsOnlyAFaultWhereThereIsACard) {
   const std::vector<DeviceFile> files = {{"/dev/kfd", FileState::kMissing, "", "", false, false}};
   EXPECT_EQ(SectionText(command::ExplainDeviceFiles(files, {})),
             "Device files\n  /dev/kfd: missing\n");
-  EXPECT_TRUE(Contains(SectionText(command::ExplainDeviceFiles(files, {DiscreteCard()})),
-                       "-> the kernel shows a card but no /dev/kfd"));
+  EXPECT_EQ(SectionText(command::ExplainDeviceFiles(files, {DiscreteCard()})),
+            "Device files\n"
+            "  /dev/kfd: missing\n"
+            "  -> the kernel shows a card but no /dev/kfd: load the module amdgpu; in a container "
+            "pass --device /dev/kfd\n");
+}
+
+TEST(ExplanationTest, FileThatCanBeOpenedNeedsNoAdvice) {
+  EXPECT_EQ(SectionText(command::ExplainDeviceFiles(
+                {{"/dev/kfd", FileState::kUsable, "", "render", true, true}}, {DiscreteCard()})),
+            "Device files\n  /dev/kfd: can be opened\n");
 }
 
 TEST(ExplanationTest, MasksThatHideAreNamed) {
@@ -123,9 +140,17 @@ TEST(ExplanationTest, MasksThatHideAreNamed) {
 }
 
 TEST(ExplanationTest, MachineWithoutRuntimeIsAdvisedToInstallOne) {
-  const std::string text = SectionText(command::ExplainRuntime({}));
-  EXPECT_TRUE(Contains(text, "none is used")) << text;
-  EXPECT_TRUE(Contains(text, "-> install a HIP runtime")) << text;
+  EXPECT_EQ(
+      SectionText(command::ExplainRuntime({})),
+      "HIP runtime\n"
+      "  none is used\n"
+      "  -> install a HIP runtime: AMD's ROCm or the package libamdhip64 of the distribution; "
+      "on Windows AMD's graphics driver\n");
+}
+
+TEST(ExplanationTest, RuntimeThatIsUsedNeedsNoAdvice) {
+  EXPECT_EQ(SectionText(command::ExplainRuntime({"/lib/libamdhip64.so.6", {}})),
+            "HIP runtime\n  used: /lib/libamdhip64.so.6\n");
 }
 
 TEST(ExplanationTest, FiguresOfKernelAndHipStandNextToEachOther) {
@@ -138,11 +163,49 @@ TEST(ExplanationTest, FiguresOfKernelAndHipStandNextToEachOther) {
             "    HIP: device 0, GPU, 7.98 GiB in total, 3.99 GiB free\n");
 }
 
+TEST(ExplanationTest, FiguresThatTheKernelLacksAreSaidToBe) {
+  Card card = DiscreteCard();
+  card.gtt_total = card.gtt_used = card.vram_used = std::nullopt;
+  EXPECT_EQ(SectionText(command::ExplainCards(
+                Seen({card}, {{0, "GPU", "gfx1100", "Discrete", "ROCm", 8 * kGiB, std::nullopt}}))),
+            "GPUs\n"
+            "  card0 (0000:03:00.0): driver amdgpu\n"
+            "    kernel, VRAM (mem_info_vram_*): 7.98 GiB in total, not reported used\n"
+            "    HIP: device 0, GPU, 8.00 GiB in total, not reported free\n");
+  card = DiscreteCard();
+  card.vram_total = card.vram_used = std::nullopt;
+  EXPECT_TRUE(Contains(SectionText(command::ExplainCards(Seen({card}, {}))),
+                       "    kernel, VRAM (mem_info_vram_*): not reported in total, not reported "
+                       "used\n    kernel, mappable RAM (mem_info_gtt_*): 16.00 GiB in total, 64.00 "
+                       "MiB used\n"));
+}
+
+TEST(ExplanationTest, CarveOutIsExplainedForIntegratedGpusWithMoreMappableMemoryAlone) {
+  const auto advises = [](const Card& card, const char* integration) {
+    return Contains(
+        SectionText(command::ExplainCards(Seen({card}, {HipGpu(0, integration, 512 * kMiB)}))),
+        "->");
+  };
+  EXPECT_TRUE(advises(Apu(), "Integrated"));
+  EXPECT_FALSE(advises(Apu(), "Discrete"));
+  Card card = Apu();
+  card.gtt_total = card.vram_total;
+  EXPECT_FALSE(advises(card, "Integrated"));
+  card.gtt_total = std::nullopt;
+  EXPECT_FALSE(advises(card, "Integrated"));
+  card = Apu();
+  card.vram_total = std::nullopt;
+  EXPECT_FALSE(advises(card, "Integrated"));
+}
+
 TEST(ExplanationTest, ApuOfWhichHipCountsTheCarveOutIsExplained) {
   const std::string text =
       SectionText(command::ExplainCards(Seen({Apu()}, {HipGpu(0, "Integrated", 512 * kMiB)})));
   EXPECT_TRUE(Contains(text, "HIP counts only the part of the RAM that the firmware set apart"));
-  EXPECT_TRUE(Contains(text, "-> for more memory on device 0")) << text;
+  EXPECT_TRUE(Contains(text,
+                       "-> for more memory on device 0, raise the graphics memory in the "
+                       "firmware's settings\n"))
+      << text;
   const std::string mapped =
       SectionText(command::ExplainCards(Seen({Apu()}, {HipGpu(0, "Integrated", 12 * kGiB)})));
   EXPECT_FALSE(Contains(mapped, "->")) << mapped;
@@ -151,7 +214,12 @@ TEST(ExplanationTest, ApuOfWhichHipCountsTheCarveOutIsExplained) {
 TEST(ExplanationTest, CardThatHipDoesNotShowIsNamed) {
   const std::string text = SectionText(
       command::ExplainCards(Seen({Apu(), DiscreteCard()}, {HipGpu(0, "Discrete", 8176 * kMiB)})));
-  EXPECT_TRUE(Contains(text, "-> HIP does not show card1 (0000:04:00.0)")) << text;
+  EXPECT_TRUE(Contains(text, "50.00 MiB used\n    HIP does not show it\n")) << text;
+  EXPECT_TRUE(Contains(text,
+                       "-> HIP does not show card1 (0000:04:00.0): see the steps above; if all is "
+                       "well there, AMD's documentation lists the GPUs that each release "
+                       "supports\n"))
+      << text;
   EXPECT_FALSE(Contains(text, "HIP does not show card0")) << text;
 }
 
@@ -159,8 +227,21 @@ TEST(ExplanationTest, CardWithoutDriverIsNamed) {
   Card card = DiscreteCard();
   card.driver = "";
   card.vram_total = card.vram_used = card.gtt_total = card.gtt_used = std::nullopt;
+  const std::string text = SectionText(command::ExplainCards(Seen({card}, {})));
+  EXPECT_TRUE(Contains(text,
+                       "GPUs\n"
+                       "  card0 (0000:03:00.0): driver none\n"
+                       "    HIP does not show it\n"
+                       "  -> no kernel driver is bound to card0 (0000:03:00.0): load amdgpu\n"))
+      << text;
+}
+
+// On Windows, cards have no slot.
+TEST(ExplanationTest, CardWithoutSlotHasItsNameAlone) {
+  Card card = DiscreteCard();
+  card.slot = "";
   EXPECT_TRUE(Contains(SectionText(command::ExplainCards(Seen({card}, {}))),
-                       "-> no kernel driver is bound to card0 (0000:03:00.0): load amdgpu"));
+                       "GPUs\n  card0: driver amdgpu\n"));
 }
 
 TEST(ExplanationTest, CardWithoutRuntimeGivesTheRuntimesMessage) {
@@ -171,17 +252,18 @@ TEST(ExplanationTest, CardWithoutRuntimeGivesTheRuntimesMessage) {
 }
 
 TEST(ExplanationTest, GpuThatOnlyHipShowsIsListed) {
-  const std::string text =
-      SectionText(command::ExplainCards(Seen({}, {HipGpu(0, "Discrete", kGiB)})));
-  EXPECT_TRUE(Contains(text, "a GPU that only HIP shows\n    HIP: device 0")) << text;
-  EXPECT_TRUE(Contains(text, "the operating system shows no card of AMD")) << text;
+  EXPECT_EQ(SectionText(command::ExplainCards(Seen({}, {HipGpu(0, "Discrete", kGiB)}))),
+            "GPUs\n"
+            "  a GPU that only HIP shows\n"
+            "    HIP: device 0, GPU, 1.00 GiB in total, 512.00 MiB free\n"
+            "  the operating system shows no card of AMD\n");
 }
 
 TEST(ExplanationTest, HipIsNotAskedWithoutAvx2) {
   auto seen = Seen({DiscreteCard()}, {});
   seen.survey.reset();
   const std::string text = SectionText(command::ExplainCards(seen));
-  EXPECT_TRUE(Contains(text, "HIP was not asked, since the processor lacks AVX2")) << text;
+  EXPECT_TRUE(Contains(text, "\n  HIP was not asked, since the processor lacks AVX2\n")) << text;
   EXPECT_FALSE(Contains(text, "HIP does not show")) << text;
 }
 
@@ -192,6 +274,40 @@ TEST(ExplanationTest, CardsAreMatchedByTheirSizes) {
             (std::vector<std::size_t>{1, 0}));
   EXPECT_EQ(command::MatchCards(cards, {HipGpu(0, "Discrete", 8 * kGiB)}),
             (std::vector<std::size_t>{1, 0}));
+}
+
+TEST(ExplanationTest, SizesWithinFivePercentMatch) {
+  const auto matches = [](const Card& card, std::uint64_t total) {
+    // The second GPU keeps the order from deciding.
+    return command::MatchCards({card}, {HipGpu(0, "Discrete", total), HipGpu(1, "Discrete", kGiB)})
+               .front() == 0;
+  };
+  const Card vram = {"card0", "", "amdgpu", 1000, std::nullopt, std::nullopt, std::nullopt};
+  const Card gtt = {"card0", "", "amdgpu", std::nullopt, std::nullopt, 1000, std::nullopt};
+  const Card both = {"card0", "", "amdgpu", 300, std::nullopt, 700, std::nullopt};
+  for (const Card& card : {vram, gtt, both}) {
+    EXPECT_FALSE(matches(card, 949));
+    EXPECT_TRUE(matches(card, 950));
+    EXPECT_TRUE(matches(card, 1000));
+    EXPECT_TRUE(matches(card, 1052));
+    EXPECT_FALSE(matches(card, 1053));
+  }
+  EXPECT_TRUE(matches(both, 300));
+  EXPECT_TRUE(matches(both, 700));
+}
+
+// Neither kernel nor HIP has a figure.
+TEST(ExplanationTest, CardAndGpuWithoutMemoryMatch) {
+  const Card card = {"card0", "", "", std::nullopt, std::nullopt, std::nullopt, std::nullopt};
+  EXPECT_EQ(command::MatchCards({card}, {HipGpu(0, "Discrete", 1), HipGpu(1, "Discrete", 0)}),
+            (std::vector<std::size_t>{1}));
+}
+
+TEST(ExplanationTest, GpuIsMatchedOnce) {
+  const std::vector<Card> cards = {DiscreteCard(), DiscreteCard(), DiscreteCard()};
+  EXPECT_EQ(command::MatchCards(cards,
+                                {HipGpu(0, "Discrete", 8 * kGiB), HipGpu(1, "Discrete", 8 * kGiB)}),
+            (std::vector<std::size_t>{0, 1, 2}));
 }
 
 TEST(ExplanationTest, CardsWhoseSizesDecideNothingAreMatchedInOrder) {

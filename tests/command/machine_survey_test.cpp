@@ -119,6 +119,7 @@ TEST_F(MachineSurveyTest, MemoryThatCannotBeReadMakesItIncomplete) {
 TEST_F(MachineSurveyTest, NamesOfStatusesAndLimitsAreForReaders) {
   EXPECT_EQ(command::StatusText(KESTREL_OK), "ok");
   EXPECT_EQ(command::StatusText(KESTREL_NO_DEVICES), "no_devices");
+  EXPECT_EQ(command::StatusText(KESTREL_ARCHITECTURE_UNSUPPORTED), "architecture_unsupported");
   EXPECT_EQ(command::LimitText(KESTREL_LIMIT_GROUP, "/box"), "memory group /box");
   EXPECT_EQ(command::LimitText(KESTREL_LIMIT_GROUP, "/\x1B[2Jbox"), "memory group / [2Jbox");
   EXPECT_EQ(command::LimitText(KESTREL_LIMIT_MACHINE, ""), "the machine's free memory");

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <new>
+#include <stdexcept>
 
 #include "tests/command/machine.h"
 
@@ -57,12 +58,14 @@ TEST_F(ProgramTest, OutputThatCannotBeWrittenHasItsOwnStatus) {
     throw command::OutputError("No space left on device");
   });
   EXPECT_EQ(outcome.status, command::kOutputFailure);
+  EXPECT_EQ(outcome.output, "");
   EXPECT_EQ(outcome.error, "kestrel: the output could not be written: No space left on device");
 }
 
 TEST_F(ProgramTest, ExceptionOfAnyTypeIsAFailure) {
   const auto outcome = command::RunProgram({"record"}, [](const std::string&) { throw 7; });
   EXPECT_EQ(outcome.status, command::kFailure);
+  EXPECT_EQ(outcome.output, "");
   EXPECT_EQ(outcome.error, "kestrel: the GPU runtime threw an exception");
 }
 
@@ -72,6 +75,24 @@ TEST_F(ProgramTest, ExceptionLeavesFitsUndetermined) {
   EXPECT_EQ(outcome.status, command::kUndetermined);
   EXPECT_EQ(command::RunProgram({"fits", "1"}, [](const std::string&) { throw 7; }).status,
             command::kUndetermined);
+}
+
+TEST_F(ProgramTest, ExceptionOfTheStandardLibraryIsAFailureWithItsText) {
+  const auto outcome = command::RunProgram(
+      {"record"}, [](const std::string&) { throw std::runtime_error("of the runtime"); });
+  EXPECT_EQ(outcome.status, command::kFailure);
+  EXPECT_EQ(outcome.output, "");
+  EXPECT_EQ(outcome.error, "kestrel: of the runtime");
+}
+
+TEST_F(ProgramTest, EachSubcommandRuns) {
+  EXPECT_EQ(RunProgram({"survey", "--format", "labels"}).output.find("kestrel-cpu."), 0U);
+  EXPECT_EQ(RunProgram({"fits", "1"}).output.find("fits: 1 B leaves "), 0U);
+  EXPECT_EQ(RunProgram({"fits", "1024P"}).status, command::kWouldFail);
+  const auto watched =
+      RunProgram({"watch", "--count", "1", "--interval", "1ms", "--format", "json"});
+  EXPECT_EQ(watched.output.find("{\"time_ms\":"), 0U) << watched.output;
+  EXPECT_EQ(watched.status, command::kSuccess);
 }
 
 TEST_F(ProgramTest, RecordWithoutAFileWritesToStandardOutput) {
