@@ -23,12 +23,10 @@ struct Range {
 
 // Removes "5" or "0-3" from the front of the text.
 std::optional<Range> TakeRange(std::string_view& text) noexcept {
-  const auto first = TakeNumber(text);
-  const auto last = first && TakeCharacter(text, '-') ? TakeNumber(text) : first;
-  if (!first || !last || *last < *first || *last >= kNumberLimit) {
-    return std::nullopt;
-  }
-  return Range{*first, *last};
+  const std::uint64_t first = TakeNumber(text).value_or(kNumberLimit);
+  const std::uint64_t last =
+      TakeCharacter(text, '-') ? TakeNumber(text).value_or(kNumberLimit) : first;
+  return first <= last && last < kNumberLimit ? std::optional(Range{first, last}) : std::nullopt;
 }
 
 }  // namespace
