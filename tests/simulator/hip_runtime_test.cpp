@@ -71,6 +71,8 @@ TEST_F(HipRuntimeTest, PropertiesAreThoseOfTheMachine) {
   EXPECT_EQ(properties.integrated, 1);
   EXPECT_EQ(properties.totalGlobalMem, 40U);
   EXPECT_EQ(properties.warpSize, 0) << "a field that no machine describes";
+  const std::string name(properties.name, sizeof(properties.name));
+  EXPECT_EQ(name.find_last_not_of('\0'), name.find("an APU") + 5) << "nothing after the name";
 }
 
 TEST_F(HipRuntimeTest, MemoryIsThatOfTheCurrentDevice) {

@@ -45,6 +45,15 @@ TEST(MachineTextTest, HeaderWithoutKeyIsAProblem) {
   EXPECT_EQ(ProblemOf("[["), "1:3: " + kNoKey);
 }
 
+TEST(MachineTextTest, HeaderMayBeginWithAnyCharacterOfAKey) {
+  for (const char character : std::string("azAZ09_-")) {
+    EXPECT_EQ(ProblemOf(std::string("[") + character + "]"), "") << character;
+  }
+  for (const char character : std::string("`{@[/:+.")) {
+    EXPECT_EQ(ProblemOf(std::string("[a]\n[ ") + character + "]"), "2:3: " + kNoKey) << character;
+  }
+}
+
 TEST(MachineTextTest, HeaderWithQuotedKeyHasNoProblem) {
   EXPECT_EQ(ProblemOf("['a']\n[\"b\"]\n[[ 'c' ]]"), "");
 }
