@@ -58,6 +58,7 @@ TEST(DiagnosticLineTest, LineLongerThanTheBufferIsWrittenWhole) {
   const std::string text(2000, 'x');
   (DiagnosticLine(kStandardError) << "begin " << text << 42).EndLine();
   EXPECT_EQ(cerr.text(), "begin " + text + "42\n");
+  EXPECT_EQ(cerr.flushes(), 1);
 }
 
 TEST(DiagnosticLineTest, LineAsLongAsTheBufferIsWrittenWhole) {

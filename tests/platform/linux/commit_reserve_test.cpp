@@ -1,6 +1,7 @@
 #include "platform/linux/commit_reserve.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstdint>
 #include <limits>
@@ -86,6 +87,23 @@ TEST_F(ReadCommitReserveTest, CapabilityInOtherUserNamespaceDoesNotCount) {
   tree_.Write("/proc/thread-self/status", "VmSize:\t 32768 kB\nCapEff:\t000001ffffffffff\n");
   tree_.Write("/proc/thread-self/ns/user", "");
   EXPECT_EQ(Read(), 9 * kMebibyte);
+}
+
+// The first user namespace has a fixed inode, and the link leads to this test's own namespace.
+TEST_F(ReadCommitReserveTest, CapabilityInFirstUserNamespaceCounts) {
+  tree_.Write("/proc/thread-self/status", "VmSize:\t 32768 kB\nCapEff:\t000001ffffffffff\n");
+  tree_.Link("/proc/thread-self/ns/user", "/proc/thread-self/ns/user");
+  struct stat own {};
+  ASSERT_EQ(stat("/proc/thread-self/ns/user", &own), 0);
+  EXPECT_EQ(Read(), own.st_ino == 0xEFFFFFFD ? kMebibyte : 9 * kMebibyte);
+}
+
+TEST_F(ReadCommitReserveTest, ReserveThatDoesNotFitInBytesIsTheGreatestThatDoes) {
+  tree_.Write("/proc/sys/vm/user_reserve_kbytes", "0\n");
+  for (const std::string kibibytes : {"18446744073709551615\n", "18014398509481984\n"}) {
+    tree_.Write("/proc/sys/vm/admin_reserve_kbytes", kibibytes);
+    EXPECT_EQ(Read(), kMost - 1023) << kibibytes;
+  }
 }
 
 TEST_F(ReadCommitReserveTest, MissingFilesGiveNoReserve) {

@@ -30,6 +30,12 @@ void MachineTree::Remove(const std::string& path) const {
   std::filesystem::remove(root_.string() + path);
 }
 
+void MachineTree::Link(const std::string& path, const std::string& target) const {
+  const std::filesystem::path link = root_.string() + path;
+  std::filesystem::create_directories(link.parent_path());
+  std::filesystem::create_symlink(target, link);
+}
+
 void MachineTree::MakeUnreadable(const std::string& path) const {
   Remove(path);
   EXPECT_TRUE(std::filesystem::create_directories(root_.string() + path)) << path;

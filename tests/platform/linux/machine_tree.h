@@ -20,6 +20,9 @@ class MachineTree {
 
   void Remove(const std::string& path) const;
 
+  // Creates a symbolic link to a file of the machine that runs the test.
+  void Link(const std::string& path, const std::string& target) const;
+
   // Creates a directory instead of a file: opening it succeeds, reading it fails with EISDIR.
   void MakeUnreadable(const std::string& path) const;
 

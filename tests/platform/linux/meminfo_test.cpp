@@ -40,8 +40,8 @@ TEST(ParseKibibytesTest, FigureIsReturnedInBytes) {
 }
 
 TEST(ParseKibibytesTest, OtherTextIsRefused) {
-  for (const char* const text : {"", " ", " kB", "x kB", "-1 kB", "1", "1 MB", "1kB", "1 kB ",
-                                 "18014398509481984 kB", "18446744073709551616 kB"}) {
+  for (const char* const text : {"", " ", " kB", "x kB", "X5 kB", "-1 kB", "1", "1 MB", "1kB",
+                                 "1 kB ", "18014398509481984 kB", "18446744073709551616 kB"}) {
     EXPECT_FALSE(ParseKibibytes(text)) << text;
   }
 }
