@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,19 @@ TEST_F(LineReaderTest, LastLineWithoutNewlineIsSkipped) {
 }
 
 TEST_F(LineReaderTest, EmptyFileHasNoLines) { EXPECT_EQ(Lines(""), Strings()); }
+
+TEST_F(LineReaderTest, NoLineFollowsTheEnd) {
+  for (const std::string text : {"", "\n", "\n\n", "cut off"}) {
+    tree_.Write("/text", text);
+    LineReader reader(tree_.root(), "/text");
+    while (reader.Next()) {
+    }
+    for (int call = 0; call < 3; ++call) {
+      EXPECT_EQ(reader.Next(), std::nullopt) << text;
+    }
+    EXPECT_FALSE(reader.failed());
+  }
+}
 
 TEST_F(LineReaderTest, MissingFileHasNoLines) {
   EXPECT_EQ(LinesOf(tree_.root() + "/missing"), Strings());

@@ -39,6 +39,11 @@ TEST(OnlineProcessorsTest, LinesOfProcStatAreRecognized) {
   EXPECT_FALSE(IsProcessorsLine(""));
   EXPECT_TRUE(IsOneProcessorsLine("cpu0 1132 34 1441 11311718"));
   EXPECT_TRUE(IsOneProcessorsLine("cpu191 0 0 0 0"));
+  EXPECT_TRUE(IsOneProcessorsLine("cpu0"));
+  EXPECT_TRUE(IsOneProcessorsLine("cpu9 0"));
+  EXPECT_FALSE(IsOneProcessorsLine("gpu0 0"));
+  EXPECT_FALSE(IsOneProcessorsLine("cpu/ 0"));
+  EXPECT_FALSE(IsOneProcessorsLine("cpu: 0"));
   EXPECT_FALSE(IsOneProcessorsLine("cpu  2255 34 2290 22625563"));
   EXPECT_FALSE(IsOneProcessorsLine("cpu"));
   EXPECT_FALSE(IsOneProcessorsLine("intr 114930548 113199788"));

@@ -170,6 +170,17 @@ TEST(LinuxProcessTest, ProcessWhoseThreadsCannotBeOpenedReturnsNoFigure) {
   }
 }
 
+TEST(LinuxProcessTest, ProcessWithItsFirstThreadNeedsNoMoreDescriptors) {
+  const auto outcome = RunApart([] {
+    LeaveDescriptors(1);
+    const auto process = Process::Open(getppid(), ProcessRights::kMemory);
+    if (!process || !process->ResidentBytes()) {
+      throw std::runtime_error("no figure was returned");
+    }
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
 // The handle has the first free descriptor, the folder of the threads the second, and the statm of
 // each thread in turn the third.
 Outcome ReadMemoryWhileThreadsFailWith(int error, pid_t pid,

@@ -124,6 +124,12 @@ TEST(TakeNumberTest, LeadingDigitsAreRemoved) {
   EXPECT_EQ(text, " rest");
 }
 
+TEST(TakeNumberTest, DigitsBehindTheTextAreNotRead) {
+  std::string_view text("4242", 2);
+  EXPECT_EQ(TakeNumber(text), 42U);
+  EXPECT_EQ(text, "");
+}
+
 TEST(TakeNumberTest, TextWithoutLeadingNumberIsUnchanged) {
   for (const char* const original : {"", " 42", "-1", "+1", "x", "18446744073709551616"}) {
     std::string_view text = original;
