@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <numeric>
 #include <string>
 #include <utility>
 
@@ -63,13 +64,12 @@ std::vector<int> DevicesOfRocrMask(std::string_view mask, int device_count) {
 }
 
 std::vector<int> DevicesOfHipMask(std::string_view mask, int device_count) {
-  std::vector<int> visible;
   if (mask.empty()) {
-    for (int index = 0; index < device_count; ++index) {
-      visible.push_back(index);
-    }
-    return visible;
+    std::vector<int> all(static_cast<std::size_t>(device_count));
+    std::iota(all.begin(), all.end(), 0);
+    return all;
   }
+  std::vector<int> visible;
   for (const std::string& entry : Entries(mask)) {
     const long index = std::strtol(entry.c_str(), nullptr, 10);
     if (entry != std::to_string(index) || index < 0 || index >= device_count) {

@@ -79,7 +79,6 @@ long long getMachinePhysicalVRAM_ROCm(bool allDevices, DiagnosticSink sink) noex
   }
   if (count == 0) {
     (DiagnosticLine(sink) << "getMachinePhysicalVRAM_ROCm no HIP devices found\n").Write();
-    return 0;
   }
   std::uint64_t sum = 0;
   for (int device = 0; device < count; ++device) {
