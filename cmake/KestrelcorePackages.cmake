@@ -56,9 +56,11 @@ macro(kestrelcore_deb group)
        "${PROJECT_SOURCE_DIR}/packaging/debian/${group}/*")
 endmacro()
 
+# Debian's packages of the HIP runtime: 5 in Debian 12 and 13, 6 in unstable, none yet of HIP 7.
+set(hip_packages "libamdhip64-6 | libamdhip64-5")
 set(hip "")
 if(KESTRELCORE_HIP STREQUAL "lazy")
-  set(hip "libamdhip64-5 | libamdhip64-6 | libamdhip64-7")
+  set(hip "${hip_packages}")
 endif()
 kestrelcore_deb(
   library
@@ -88,7 +90,7 @@ if(KESTRELCORE_BUILD_C)
     DESCRIPTION
       "kestrelcore reports to a program what its machine offers and how much of\nit is free: processor, AMD GPUs, RAM, VRAM, the share of one process, and\nwhether an allocation would fail.\n\nThis package holds the library for C and for languages that can call C.\nIt finds GPUs through the HIP runtime, if one is installed."
     COMPONENTS c
-    SUGGESTS "libamdhip64-5 | libamdhip64-6 | libamdhip64-7")
+    SUGGESTS "${hip_packages}")
   kestrelcore_deb(
     python
     PACKAGE python3-kestrelcore
@@ -115,7 +117,7 @@ if(KESTRELCORE_BUILD_COMMAND AND KESTRELCORE_BUILD_HARNESS)
       "kestrel reports what the machine offers and how much of it is free, for\npeople, scripts and monitoring systems. kestrel-harness is the diagnostic\nprogram of the library kestrelcore."
     COMPONENTS command harness
     DEPENDS "${kestrelcore_deb_library} (= ${kestrelcore_deb_version})"
-    SUGGESTS "libamdhip64-5 | libamdhip64-6 | libamdhip64-7")
+    SUGGESTS "${hip_packages}")
 endif()
 if(KESTRELCORE_BUILD_SIMULATOR)
   kestrelcore_deb(

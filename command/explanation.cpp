@@ -172,8 +172,8 @@ Section ExplainRuntime(const RuntimeState& runtime) {
   section.seen.push_back(runtime.path.empty() ? "none is used" : "used: " + runtime.path);
   if (runtime.path.empty()) {
     section.advice.emplace_back(
-        "install a HIP runtime: AMD's ROCm or the package libamdhip64 of the distribution; on "
-        "Windows AMD's graphics driver");
+        "install a HIP runtime: AMD's ROCm or the distribution's, such as Debian's package "
+        "libamdhip64-5; on Windows AMD's graphics driver");
   }
   return section;
 }

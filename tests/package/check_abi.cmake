@@ -29,6 +29,7 @@ if(NOT status EQUAL 0)
       "The binary interface of ${name} is not the recorded one (abidiff returned ${status}). If "
       "programs that were built with the last release run as before, renew the record with "
       "\"cmake --build --preset linux --target kestrelcore_renew_abi\". If they do not, raise the "
-      "SOVERSION first, as docs/compatibility.md describes, and then renew the record.")
+      "SOVERSION first, as docs/compatibility.md describes (that of the C library only with a new "
+      "major version), and then renew the record.")
 endif()
 message("The binary interface is the recorded one")
