@@ -23,7 +23,7 @@ class MemoryTest : public testing::Test {
   }
 
   kestrel_forecast forecast_ = NewRecord<kestrel_forecast>();
-  kestrel_result result_ = NewRecord<kestrel_result>();
+  kestrel_result result_ = UsedResult();
   std::uint64_t bytes_ = 77;
   std::int32_t will_fail_ = 77;
   CerrRecorder cerr_;
@@ -36,6 +36,8 @@ TEST_F(MemoryTest, RamFiguresAreThoseOfTheSystem) {
   EXPECT_EQ(bytes_, 6 * kGiB);
   EXPECT_EQ(kestrel_used_ram(&bytes_, &result_), KESTREL_OK);
   EXPECT_EQ(bytes_, 10 * kGiB);
+  EXPECT_EQ(result_.status, KESTREL_OK);
+  EXPECT_STREQ(result_.message, "");
 }
 
 TEST_F(MemoryTest, RamFiguresFailIfTheSystemDoesNotReportThem) {
@@ -55,6 +57,8 @@ TEST_F(MemoryTest, RamFiguresFailIfTheSystemDoesNotReportThem) {
 TEST_F(MemoryTest, AllocationFailsBeyondWhatIsAvailableAndCommittable) {
   EXPECT_EQ(kestrel_will_fail_to_allocate(8 * kGiB, &will_fail_, &result_), KESTREL_OK);
   EXPECT_EQ(will_fail_, 0);
+  EXPECT_EQ(result_.status, KESTREL_OK);
+  EXPECT_STREQ(result_.message, "");
   EXPECT_EQ(kestrel_will_fail_to_allocate(8 * kGiB + 1, &will_fail_, &result_), KESTREL_OK);
   EXPECT_EQ(will_fail_, 1);
   EXPECT_EQ(kestrel_will_fail_to_allocate(kHuge, &will_fail_, &result_), KESTREL_OK);
@@ -83,6 +87,8 @@ TEST_F(MemoryTest, ForecastOfAnAllocationThatFitsSaysWhatIsLeft) {
   EXPECT_EQ(forecast_.missing, 0U);
   EXPECT_EQ(forecast_.available, 6 * kGiB);
   EXPECT_EQ(forecast_.committable, 2 * kGiB);
+  EXPECT_EQ(result_.status, KESTREL_OK);
+  EXPECT_STREQ(result_.message, "");
 }
 
 TEST_F(MemoryTest, ForecastOfAnAllocationThatFailsSaysWhatIsMissing) {
@@ -95,6 +101,20 @@ TEST_F(MemoryTest, ForecastOfAnAllocationThatFailsSaysWhatIsMissing) {
 TEST_F(MemoryTest, SpareBytesOfAnAllocationBeyondWhatIsAvailableAreTheRestToCommit) {
   EXPECT_EQ(kestrel_memory_forecast(7 * kGiB, &forecast_, &result_), KESTREL_OK);
   EXPECT_EQ(forecast_.spare, kGiB);
+  EXPECT_EQ(kestrel_memory_forecast(8 * kGiB, &forecast_, &result_), KESTREL_OK);
+  EXPECT_EQ(forecast_.spare, 0U);
+}
+
+TEST_F(MemoryTest, SpareBytesOfNoAllocationAreAllThatIsThere) {
+  EXPECT_EQ(kestrel_memory_forecast(0, &forecast_, &result_), KESTREL_OK);
+  EXPECT_EQ(forecast_.spare, 8 * kGiB);
+}
+
+TEST_F(MemoryTest, AllocationThatLacksOneByteFails) {
+  EXPECT_EQ(kestrel_memory_forecast(8 * kGiB + 1, &forecast_, &result_), KESTREL_OK);
+  EXPECT_EQ(forecast_.outcome, KESTREL_FORECAST_FAILS);
+  EXPECT_EQ(forecast_.spare, 0U);
+  EXPECT_EQ(forecast_.missing, 1U);
 }
 
 TEST_F(MemoryTest, ForecastAgreesWithThePredictionAtEveryEdge) {
@@ -143,6 +163,7 @@ TEST_F(MemoryTest, ForecastRefusesInvalidRecords) {
   kestrel_forecast unset{};
   EXPECT_EQ(kestrel_memory_forecast(1, nullptr, &result_), KESTREL_INVALID_ARGUMENT);
   EXPECT_EQ(kestrel_memory_forecast(1, &unset, &result_), KESTREL_INVALID_ARGUMENT);
+  EXPECT_STREQ(result_.message, "forecast is null, or its struct_size is not set");
   EXPECT_TRUE(Platform().calls.empty());
 }
 

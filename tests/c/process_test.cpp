@@ -21,7 +21,7 @@ class ProcessTest : public testing::Test {
     Platform().resident_bytes = 12'345;
   }
 
-  kestrel_result result_ = NewRecord<kestrel_result>();
+  kestrel_result result_ = UsedResult();
   float percent_ = 77;
   std::uint64_t bytes_ = 77;
   CerrRecorder cerr_;
@@ -69,6 +69,27 @@ TEST_F(ProcessTest, FailureThatTheMeterDoesNotExplainHasATextToo) {
 TEST_F(ProcessTest, UsedRamIsTheResidentMemory) {
   EXPECT_EQ(kestrel_process_used_ram(kPid, &bytes_, &result_), KESTREL_OK);
   EXPECT_EQ(bytes_, 12'345U);
+  EXPECT_EQ(result_.status, KESTREL_OK);
+  EXPECT_STREQ(result_.message, "");
+}
+
+// As a thread of the kernel.
+TEST_F(ProcessTest, ProcessWithoutResidentMemoryUsesNone) {
+  Platform().resident_bytes = 0;
+  EXPECT_EQ(kestrel_process_used_ram(kPid, &bytes_, &result_), KESTREL_OK);
+  EXPECT_EQ(bytes_, 0U);
+}
+
+TEST_F(ProcessTest, IdleProcessUsesNoneOfTheMachine) {
+  Platform().times = {{0, 0}, {0, 0}};
+  EXPECT_EQ(kestrel_cpu_usage(kPid, 0, &percent_, &result_), KESTREL_OK);
+  EXPECT_EQ(percent_, 0);
+}
+
+TEST_F(ProcessTest, LowestPidIsAValidArgument) {
+  Platform().dead_pid = 1;
+  EXPECT_EQ(kestrel_process_used_ram(1, &bytes_, &result_), KESTREL_PROCESS_QUERY_FAILED);
+  EXPECT_EQ(kestrel_cpu_usage(1, 0, &percent_, &result_), KESTREL_PROCESS_QUERY_FAILED);
 }
 
 TEST_F(ProcessTest, NothingIsWrittenToStandardErrorNextToAResult) {

@@ -50,8 +50,8 @@ class SurveysTest : public testing::Test {
     simulator::Install(machine);
   }
 
-  kestrel_result result_ = NewRecord<kestrel_result>();
-  kestrel_result cpu_result_ = NewRecord<kestrel_result>();
+  kestrel_result result_ = UsedResult();
+  kestrel_result cpu_result_ = UsedResult();
   kestrel_cpu cpu_ = NewRecord<kestrel_cpu>();
   std::size_t count_ = 77;
 };
@@ -70,6 +70,22 @@ TEST_F(SurveysTest, UnknownArchitectureFailsTheCpuSurveyWithTheUnknownRecord) {
   EXPECT_EQ(cpu_.architecture, KESTREL_CPU_ARCHITECTURE_UNKNOWN);
   EXPECT_EQ(cpu_.extensions, 0U);
   EXPECT_STREQ(result_.message, "Unsupported processor architecture");
+}
+
+TEST_F(SurveysTest, NullListOfAnyCapacityIsNotWrittenTo) {
+  simulator::Install(MachineWith(3));
+  EXPECT_EQ(kestrel_survey_gpus(nullptr, 5, &count_, &result_), KESTREL_OK);
+  EXPECT_EQ(count_, 3U);
+  EXPECT_EQ(result_.status, KESTREL_OK);
+  EXPECT_STREQ(result_.message, "");
+}
+
+TEST_F(SurveysTest, ListOfNoCapacityIsNotRead) {
+  Machine machine;
+  machine.claimed_device_count = 0;
+  simulator::Install(machine);
+  auto* const nowhere = reinterpret_cast<kestrel_gpu*>(sizeof(kestrel_gpu));
+  EXPECT_EQ(kestrel_survey_gpus(nowhere, 0, &count_, &result_), KESTREL_OK);
 }
 
 TEST_F(SurveysTest, NullListAsksForTheCountAlone) {
@@ -235,8 +251,12 @@ TEST_F(SurveysTest, HardwareSurveyMakesNeitherSurveyIfAnArgumentIsInvalid) {
             KESTREL_INVALID_ARGUMENT);
   EXPECT_EQ(result_.status, KESTREL_INVALID_ARGUMENT);
   EXPECT_EQ(cpu_result_.status, KESTREL_INVALID_ARGUMENT);
+  EXPECT_STREQ(result_.message, "cpu is null, or its struct_size is not set");
+  EXPECT_STREQ(cpu_result_.message, "cpu is null, or its struct_size is not set");
   EXPECT_EQ(kestrel_survey_hardware(nullptr, 0, nullptr, &result_, &cpu_, &cpu_result_),
             KESTREL_INVALID_ARGUMENT);
+  EXPECT_STREQ(result_.message, "count is null, or gpus[0].struct_size is not set");
+  EXPECT_STREQ(cpu_result_.message, "count is null, or gpus[0].struct_size is not set");
   kestrel_result no_result{};
   EXPECT_EQ(kestrel_survey_hardware(nullptr, 0, &count_, &result_, &cpu_, &no_result),
             KESTREL_INVALID_ARGUMENT);

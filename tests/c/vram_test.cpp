@@ -39,7 +39,7 @@ class VramTest : public testing::Test {
 
   static void InstallNoDevice() { simulator::Install({}); }
 
-  kestrel_result result_ = NewRecord<kestrel_result>();
+  kestrel_result result_ = UsedResult();
   std::uint64_t bytes_ = 77;
   std::uint64_t free_ = 77;
   std::uint64_t total_ = 77;
@@ -50,6 +50,7 @@ TEST_F(VramTest, GpuMemoryReportsAnyDevice) {
   EXPECT_EQ(kestrel_gpu_memory(1, &free_, &total_, &result_), KESTREL_OK);
   EXPECT_EQ(free_, 3 * kGiB);
   EXPECT_EQ(total_, 16 * kGiB);
+  EXPECT_EQ(result_.status, KESTREL_OK);
   EXPECT_STREQ(result_.message, "");
   EXPECT_EQ(simulator::CurrentDevice(), 1);
 }
@@ -60,6 +61,7 @@ TEST_F(VramTest, GpuMemoryReportsOneFigureIfTheOtherIsNotAskedFor) {
   EXPECT_EQ(kestrel_gpu_memory(0, nullptr, &total_, &result_), KESTREL_OK);
   EXPECT_EQ(total_, 8 * kGiB);
   EXPECT_EQ(kestrel_gpu_memory(0, nullptr, nullptr, &result_), KESTREL_INVALID_ARGUMENT);
+  EXPECT_STREQ(result_.message, "Both pointers to outputs are null");
 }
 
 TEST_F(VramTest, DeviceNumberOutOfRangeIsAnInvalidArgument) {
@@ -109,6 +111,8 @@ TEST_F(VramTest, AvailableVramIsThatOfDeviceZero) {
 TEST_F(VramTest, PhysicalVramIsTheSumOfAllDevices) {
   EXPECT_EQ(kestrel_machine_physical_vram(&bytes_, &result_), KESTREL_OK);
   EXPECT_EQ(bytes_, 24 * kGiB);
+  EXPECT_EQ(result_.status, KESTREL_OK);
+  EXPECT_STREQ(result_.message, "");
 }
 
 TEST_F(VramTest, PhysicalVramOfDevicesWithoutMemoryIsASuccess) {
@@ -117,6 +121,8 @@ TEST_F(VramTest, PhysicalVramOfDevicesWithoutMemoryIsASuccess) {
   simulator::Install(machine);
   EXPECT_EQ(kestrel_machine_physical_vram(&bytes_, &result_), KESTREL_OK);
   EXPECT_EQ(bytes_, 0U);
+  EXPECT_EQ(result_.status, KESTREL_OK);
+  EXPECT_STREQ(result_.message, "");
 }
 
 TEST_F(VramTest, DeviceThatFailsIsReportedNextToTheSumOfTheOthers) {
@@ -139,6 +145,13 @@ TEST_F(VramTest, WithoutAResultTheDiagnosticIsThatOfTheCppCall) {
   InstallNoDevice();
   EXPECT_EQ(kestrel_machine_physical_vram(&bytes_, nullptr), KESTREL_NO_DEVICES);
   EXPECT_EQ(cerr_.text(), "hipGetDeviceCount failed: hipErrorNoDevice\n");
+}
+
+// The sum has been made when the runtime fails.
+TEST_F(VramTest, RuntimeThatFailsAfterTheSumIsMadeDoesNotSpoilIt) {
+  InstallTwoDevices({{"hipGetDeviceCount", {}, 2, hipErrorUnknown}});
+  EXPECT_EQ(kestrel_machine_physical_vram(&bytes_, &result_), KESTREL_OK);
+  EXPECT_EQ(bytes_, 24 * kGiB);
 }
 
 TEST_F(VramTest, NullOutputIsAnInvalidArgument) {

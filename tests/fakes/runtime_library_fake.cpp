@@ -1,6 +1,7 @@
 #include "tests/fakes/runtime_library_fake.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace kestrel::tests {
 
@@ -14,6 +15,7 @@ void ResetLoader() {
   loader.candidates.clear();
   loader.loaded.clear();
   loader.loadable.clear();
+  loader.meanwhile = nullptr;
   loader.calls.clear();
   loader.open_handles.clear();
 }
@@ -31,6 +33,9 @@ CandidateList Candidates() noexcept {
 
 void* OpenLibrary(const Candidate& candidate, ReasonText& reason) noexcept {
   auto& loader = Loader();
+  if (loader.meanwhile) {
+    std::exchange(loader.meanwhile, nullptr)();
+  }
   const std::lock_guard lock(loader.mutex);
   const bool wants_loaded = candidate.origin == Origin::kLoaded;
   loader.calls.push_back((wants_loaded ? "find " : "open ") + std::string(candidate.name));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
@@ -17,6 +18,9 @@ struct LoaderFake {
   std::vector<hip_binding::Candidate> candidates;
   std::map<std::string, RuntimeFake*> loaded;    // by the names of candidates of Origin::kLoaded
   std::map<std::string, RuntimeFake*> loadable;  // by the names of all others
+
+  // What happens once, while a library is being opened: in another thread, for example.
+  std::function<void()> meanwhile;
 
   // Every opening and closing, in order, as written: "open /opt/x", "close".
   std::vector<std::string> calls;

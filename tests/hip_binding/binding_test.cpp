@@ -68,6 +68,29 @@ TEST_F(BindingTest, ThreadsOfTheFirstCallAgreeAndKeepTheLibraryOpenOnce) {
   EXPECT_EQ(Loader().open_handles[&runtime_], 1);
 }
 
+TEST_F(BindingTest, ThreadThatFindsARuntimeSecondUsesTheFirstAndClosesItsOwn) {
+  Loader().loadable["new"] = &runtime_;
+  Loader().meanwhile = [this] {
+    EXPECT_EQ(binding_.Runtime(), &runtime_);
+    Loader().loadable["new"] = &other_runtime_;
+  };
+  EXPECT_EQ(binding_.Runtime(), &runtime_);
+  EXPECT_EQ(Loader().open_handles[&runtime_], 1);
+  EXPECT_EQ(Loader().open_handles[&other_runtime_], 0);
+  EXPECT_EQ(Loader().calls, (std::vector<std::string>{"open new", "open new", "close"}));
+}
+
+TEST_F(BindingTest, ThreadThatFindsNoneClosesNone) {
+  Loader().meanwhile = [this] {
+    Loader().loadable["new"] = &runtime_;
+    EXPECT_EQ(binding_.Runtime(), &runtime_);
+    Loader().loadable.clear();
+  };
+  EXPECT_EQ(binding_.Runtime(), nullptr);
+  EXPECT_EQ(Loader().calls, (std::vector<std::string>{"open new", "open new", "open old"}));
+  EXPECT_EQ(binding_.Runtime(), &runtime_);
+}
+
 TEST_F(BindingTest, ReportBindsAndNamesTheFile) {
   Loader().loadable["old"] = &runtime_;
   binding_.Report(report_);
@@ -98,6 +121,10 @@ TEST_F(BindingTest, ReportThatIsUsedAgainHoldsTheLastOutcomeAlone) {
   EXPECT_STREQ(report_.path.data(), "/lib/old");
   binding_.Report(report_);
   EXPECT_EQ(report_.attempt_count, 0U);
+  Loader().loadable.clear();
+  Binding other;
+  other.Report(report_);
+  EXPECT_STREQ(report_.path.data(), "");
 }
 
 TEST_F(BindingTest, ReportWithoutRuntimeHasEveryAttemptAndNoPath) {

@@ -29,6 +29,15 @@ void Expect(const char* call, kestrel_status status, kestrel_status expected) {
   }
 }
 
+// A survey that fails leaves an unknown processor.
+void ExpectRecord(const kestrel_cpu& cpu, bool known) {
+  const bool unknown = cpu.architecture == KESTREL_CPU_ARCHITECTURE_UNKNOWN && cpu.extensions == 0;
+  if (known == unknown) {
+    static_cast<void>(std::fprintf(stdout, "kestrel_survey_cpu: a wrong record\n"));
+    ++failures;
+  }
+}
+
 struct Statuses {
   kestrel_status cpu;
   kestrel_status gpus;
@@ -42,7 +51,9 @@ void CallAll(Statuses expected) {
   gpu.struct_size = sizeof(gpu);
   kestrel_cpu cpu{};
   cpu.struct_size = sizeof(cpu);
+  cpu.extensions = 55;
   Expect("kestrel_survey_cpu", kestrel_survey_cpu(&cpu, &result), expected.cpu);
+  ExpectRecord(cpu, expected.cpu == KESTREL_OK);
   Expect("kestrel_survey_gpus", kestrel_survey_gpus(&gpu, 1, &count, &result), expected.gpus);
   Expect("kestrel_gpu_memory", kestrel_gpu_memory(0, &bytes, nullptr, &result), expected.vram);
   Expect("kestrel_available_vram", kestrel_available_vram(&bytes, &result), expected.vram);

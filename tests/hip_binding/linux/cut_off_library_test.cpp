@@ -2,6 +2,7 @@
 
 #include <elf.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -73,10 +74,33 @@ TEST_F(CutOffLibraryTest, WholeFileIsNot) {
   EXPECT_FALSE(FileIsCutOff());
 }
 
+// Whatever file was judged before.
 TEST_F(CutOffLibraryTest, FileThatCannotBeReadIsNot) {
+  Write(kFirstFolder, Library(kWholeSize - 1));
+  EXPECT_TRUE(FileIsCutOff());
+  fs::remove(kFirstFolder / name_);
   EXPECT_FALSE(FileIsCutOff());
   fs::create_directory(kFirstFolder / name_);
   EXPECT_FALSE(FileIsCutOff());
+}
+
+TEST_F(CutOffLibraryTest, FileIsJudgedWhereStandardInputIsClosed) {
+  Write(kFirstFolder, Library(kWholeSize - 1));
+  const int standard_input = dup(STDIN_FILENO);
+  close(STDIN_FILENO);
+  EXPECT_TRUE(FileIsCutOff());
+  dup2(standard_input, STDIN_FILENO);
+  close(standard_input);
+}
+
+TEST_F(CutOffLibraryTest, FileIsClosedAgain) {
+  const int next = dup(STDIN_FILENO);
+  close(next);
+  Write(kFirstFolder, Library(kWholeSize - 1));
+  EXPECT_TRUE(FileIsCutOff());
+  const int after = dup(STDIN_FILENO);
+  close(after);
+  EXPECT_EQ(after, next);
 }
 
 TEST_F(CutOffLibraryTest, FileThatIsNoLibraryIsNot) {

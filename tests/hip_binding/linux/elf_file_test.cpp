@@ -69,6 +69,28 @@ TEST_F(ElfFileTest, ProgramHeadersThatWereNotReadCountAsWhole) {
   EXPECT_EQ(Judge(4999), ElfFile::kWhole);
 }
 
+TEST_F(ElfFileTest, OnlyAsManyProgramHeadersCountAsThereAre) {
+  header_.e_phnum = 1;
+  EXPECT_EQ(Judge(4999), ElfFile::kWhole);
+  header_.e_phnum = 0;
+  EXPECT_EQ(Judge(999), ElfFile::kWhole);
+  EXPECT_EQ(Judge(64, 64), ElfFile::kWhole);
+}
+
+TEST_F(ElfFileTest, ProgramHeaderBeyondWhatWasReadDoesNotCount) {
+  header_.e_phoff = sizeof(Elf64_Ehdr) + sizeof(Elf64_Phdr);
+  header_.e_phnum = 1;
+  EXPECT_EQ(Judge(4999), ElfFile::kCutOff);
+  EXPECT_EQ(Judge(4999, sizeof(Elf64_Ehdr)), ElfFile::kWhole);
+}
+
+TEST_F(ElfFileTest, EmptySegmentAtTheEndOfTheFileIsWhole) {
+  segments_[1].p_offset = 5000;
+  segments_[1].p_filesz = 0;
+  EXPECT_EQ(Judge(5000), ElfFile::kWhole);
+  EXPECT_EQ(Judge(4999), ElfFile::kCutOff);
+}
+
 TEST_F(ElfFileTest, LibraryOfAnotherProcessorIsOther) {
   header_.e_machine = EM_AARCH64;
   EXPECT_EQ(Judge(5000), ElfFile::kOther);
