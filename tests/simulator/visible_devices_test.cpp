@@ -22,6 +22,11 @@ TEST(VisibleDevicesTest, MaskSelectsDevicesInItsOrder) {
   EXPECT_EQ(DevicesOfHipMask("2,0", 4), (Indices{2, 0}));
 }
 
+TEST(VisibleDevicesTest, IndexMayHaveTwoDigits) {
+  EXPECT_EQ(DevicesOfRocrMask("10,9", 12), (Indices{10, 9}));
+  EXPECT_EQ(DevicesOfHipMask("10,9", 12), (Indices{10, 9}));
+}
+
 TEST(VisibleDevicesTest, FirstInvalidEntryEndsTheMask) {
   for (const char* mask : {"1,4,0", "1,-1,0", "1,,0", "1,x,0", "1,0x,0", "1,GPU-1234567890,0"}) {
     EXPECT_EQ(DevicesOfRocrMask(mask, 4), Indices{1}) << mask;

@@ -162,6 +162,12 @@ TEST_F(VramRocmTest, FreeOfOneDeviceIsThatOfDeviceZero) {
   EXPECT_EQ(CurrentDevice(), 0);
 }
 
+TEST_F(VramRocmTest, FreeOfTheOnlyDeviceIsReturnedEitherWay) {
+  Install(MachineWith(1));
+  EXPECT_EQ(getAvailableVRAM_ROCm(false), 1LL << 20);
+  EXPECT_EQ(getAvailableVRAM_ROCm(true), 1LL << 20);
+}
+
 TEST_F(VramRocmTest, FreeOfAllDevicesIsTheSum) {
   Install(MachineWith(3));
   EXPECT_EQ(getAvailableVRAM_ROCm(true), 6LL << 20);

@@ -11,6 +11,7 @@
 
 #include "platform/platform.h"
 #include "tests/platform/linux/child_process.h"
+#include "tests/platform/linux/machine_tree.h"
 
 namespace kestrel::tests {
 namespace {
@@ -67,6 +68,45 @@ TEST(LinuxProcessorTest, WithoutSysTheCountIsTheSame) {
     Cover("/sys");
     RequireCount(count);
   });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
+TEST(LinuxProcessorTest, WithoutProcTheCountIsTheSame) {
+  const auto count = LogicalProcessorCount();
+  ASSERT_TRUE(count);
+  const Outcome outcome = RunInOwnNamespaces([&count] {
+    Cover("/proc");
+    RequireCount(count);
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
+// Counts without "/sys", and with that text in /proc/stat.
+Outcome CountInProcStat(const std::string& text, const std::optional<std::uint32_t>& expected) {
+  const MachineTree tree;
+  tree.Write("/stat", text);
+  const std::string file = tree.root() + "/stat";
+  return RunInOwnNamespaces([&file, &expected] {
+    Cover("/sys");
+    if (mount(file.c_str(), "/proc/stat", nullptr, MS_BIND, nullptr) != 0) {
+      throw std::runtime_error("mount /proc/stat");
+    }
+    RequireCount(expected);
+  });
+}
+
+TEST(LinuxProcessorTest, ProcessorsOfProcStatAreCounted) {
+  const Outcome outcome = CountInProcStat("cpu  3 2\ncpu0 1 1\ncpu12 2 1\nintr 1 2\n", 2);
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
+TEST(LinuxProcessorTest, ProcStatWithoutLineAfterTheProcessorsHasNoCount) {
+  const Outcome outcome = CountInProcStat("cpu  3 2\ncpu0 1 1\n", std::nullopt);
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
+TEST(LinuxProcessorTest, ProcStatWithoutProcessorsHasNoCount) {
+  const Outcome outcome = CountInProcStat("cpu  3 2\nintr 1 2\n", std::nullopt);
   EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
