@@ -77,9 +77,9 @@ expect_table 0
 tmux_do capture-pane -p
 
 for terminal in dumb ""; do
-  tmux_do send-keys "clear; TERM=$terminal '$kestrel' watch --interval 10ms --count 2; echo ended" \
+  tmux_do send-keys "clear; TERM=$terminal '$kestrel' watch --interval 10ms --count 2; echo \"$terminal ends\"" \
     Enter
-  await '^ended$'
+  await "^$terminal ends$"
   if [ "$(tmux_do capture-pane -p | grep -c '^RAM .* available')" -ne 2 ]; then
     echo "with TERM=$terminal there are not two lines:" >&2
     tmux_do capture-pane -p >&2
