@@ -40,8 +40,6 @@ constexpr bool kNeedsAvx2<FitsRequest> = true;
 template <>
 constexpr bool kNeedsAvx2<WatchRequest> = true;
 
-constexpr int FailureStatus(bool fits) { return fits ? kUndetermined : kFailure; }
-
 template <typename Request>
 Outcome RunIfSupported(const Request& request, const Writer& write) {
   if (kNeedsAvx2<Request> && !c::ProcessorIsSupported()) {

@@ -8,6 +8,9 @@
 
 namespace kestrel::command {
 
+// The status of a program that could not do what it was asked for.
+constexpr int FailureStatus(bool fits) { return fits ? kUndetermined : kFailure; }
+
 // Runs the program with the arguments that follow its name. Its output has been written when it
 // returns.
 Outcome RunProgram(std::vector<std::string> arguments, const Writer& write);
