@@ -1,0 +1,91 @@
+// Every function of the C++ library that measures, surveys or allocates.
+
+#include <string>
+#include <vector>
+
+#include "system/hardware_survey.h"
+#include "tests/attack/call.h"
+#include "utils/cpu_usage.h"
+#include "utils/memory_observer.h"
+
+namespace kestrel::tests {
+
+namespace {
+
+using kestrel_utils::MemoryObserver;
+
+constexpr long long kGigabyte = 1LL << 30;
+
+template <typename Number>
+std::string NumberText(Number number) {
+  return std::to_string(number);
+}
+
+std::string TextOf(const system::Result& result) {
+  return std::to_string(static_cast<int>(result.code)) + " '" + result.message + "'";
+}
+
+std::string CpuText(const std::pair<system::Result, system::CpuInfo>& survey) {
+  return TextOf(survey.first) + " " + CpuArchitectureToStr(survey.second.architecture) + " [" +
+         CpuInstructionSetExtensionsToStr(survey.second.supportedInstructionSetExtensions) + "]";
+}
+
+std::string GpusText(const std::pair<system::Result, std::vector<system::GpuInfo>>& survey) {
+  std::string text = TextOf(survey.first) + " " + std::to_string(survey.second.size()) + " GPUs";
+  for (const system::GpuInfo& gpu : survey.second) {
+    text += "; " + std::to_string(gpu.deviceId) + " '" + gpu.name + "' " +
+            GpuIntegrationTypeToStr(gpu.integrationType) + " " + std::to_string(gpu.totalMemory) +
+            " " + GpuSoftwarePlatformToStr(gpu.detectionPlatform);
+    for (const auto& [key, value] : gpu.otherInfo) {
+      text.append(" ").append(key).append("='").append(value).append("'");
+    }
+  }
+  return text;
+}
+
+std::string HardwareText(const system::HardwareSurveyResult& survey) {
+  return GpusText(survey.gpuSurvey) + " | " + CpuText(survey.cpuSurvey);
+}
+
+std::string NamesText(const std::string& names) { return names; }
+
+std::string NamesOfAll(int /*pid*/) {
+  using system::CpuInstructionSetExtension;
+  return system::CpuInstructionSetExtensionsToStr({CpuInstructionSetExtension::AVX,
+                                                   CpuInstructionSetExtension::AVX2,
+                                                   CpuInstructionSetExtension::AdvSIMD});
+}
+
+auto SurveyCpu(int /*pid*/) { return system::SurveyCpu(); }
+auto SurveyGpus(int /*pid*/) { return system::SurveyGpus(); }
+auto SurveyHardware(int /*pid*/) { return system::SurveyHardware(); }
+auto CpuUsage(int pid) { return kestrel_utils::GetCpuUsage(pid, 1); }
+auto PhysicalRam(int /*pid*/) { return MemoryObserver::getMachinePhysicalRAM(); }
+auto AvailableRam(int /*pid*/) { return MemoryObserver().getAvailableRAM(); }
+auto UsedRam(int /*pid*/) { return MemoryObserver().getUsedRAM(); }
+auto ProcessRam(int pid) { return MemoryObserver::getProcessUsedRAM(pid); }
+auto PhysicalVram(int /*pid*/) { return MemoryObserver::getMachinePhysicalVRAM(); }
+auto AvailableVram(int /*pid*/) { return MemoryObserver().getAvailableVRAM(); }
+// More than the memory group of an attack allows, and less than the machine has.
+auto FailsToAllocate(int /*pid*/) { return MemoryObserver().willFailToAllocate(kGigabyte); }
+
+}  // namespace
+
+std::vector<Call> Calls() {
+  return {
+      CallOf<SurveyCpu, CpuText>::Named("SurveyCpu"),
+      CallOf<SurveyGpus, GpusText>::Named("SurveyGpus"),
+      CallOf<SurveyHardware, HardwareText>::Named("SurveyHardware"),
+      CallOf<NamesOfAll, NamesText>::Named("CpuInstructionSetExtensionsToStr"),
+      CallOf<CpuUsage, NumberText<float>>::Named("GetCpuUsage"),
+      CallOf<PhysicalRam, NumberText<long long>>::Named("getMachinePhysicalRAM"),
+      CallOf<AvailableRam, NumberText<long long>>::Named("getAvailableRAM"),
+      CallOf<UsedRam, NumberText<long long>>::Named("getUsedRAM"),
+      CallOf<ProcessRam, NumberText<long long>>::Named("getProcessUsedRAM"),
+      CallOf<PhysicalVram, NumberText<long long>>::Named("getMachinePhysicalVRAM"),
+      CallOf<AvailableVram, NumberText<long long>>::Named("getAvailableVRAM"),
+      CallOf<FailsToAllocate, NumberText<bool>>::Named("willFailToAllocate"),
+  };
+}
+
+}  // namespace kestrel::tests
