@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <string_view>
 #include <system_error>
 
@@ -51,6 +53,12 @@ std::string Quoted(std::string_view text) {
   return quoted + "\"";
 }
 
+// A faulty runtime may report any amount, and the integers of TOML have a sign.
+std::string Amount(std::size_t bytes) {
+  constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
+  return std::to_string(std::min<std::uint64_t>(bytes, kMost));
+}
+
 // A runtime may fill the whole array, without a terminating NUL.
 template <std::size_t kSize>
 std::string_view TextOf(const char (&field)[kSize]) {
@@ -89,9 +97,9 @@ void RecordDevice(MachineText& text, int device) {
   text.devices += "\n[[device]]\nname = " + Quoted(TextOf(properties.name));
   text.devices += "\narch = " + Quoted(TextOf(properties.gcnArchName));
   text.devices += std::string("\nintegrated = ") + (properties.integrated != 0 ? "true" : "false");
-  text.devices += "\ntotal_memory = " + std::to_string(total);
-  text.devices += "\nfree_memory = " + std::to_string(free);
-  text.devices += "\nproperties_memory = " + std::to_string(properties.totalGlobalMem) + "\n";
+  text.devices += "\ntotal_memory = " + Amount(total);
+  text.devices += "\nfree_memory = " + Amount(free);
+  text.devices += "\nproperties_memory = " + Amount(properties.totalGlobalMem) + "\n";
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
@@ -51,6 +52,17 @@ TEST_F(RecordTest, NamesSurviveQuotingAndFullLength) {
 TEST_F(RecordTest, BytesThatAMachineFileCannotHoldAreReplaced) {
   machine_.devices[0].name = "a\nb\xFF";
   EXPECT_EQ(Recorded().devices[0].name, "a b?");
+}
+
+TEST_F(RecordTest, AmountsThatAMachineFileCannotHoldBecomeTheGreatestThatItCan) {
+  constexpr std::uint64_t kGreatest = std::uint64_t{1} << 63U;
+  machine_.devices[0].total_memory = kGreatest - 1;
+  machine_.devices[0].free_memory = kGreatest;
+  machine_.devices[0].properties_memory = UINT64_MAX;
+  const auto device = Recorded().devices.at(0);
+  EXPECT_EQ(device.total_memory, kGreatest - 1);
+  EXPECT_EQ(device.free_memory, kGreatest - 1);
+  EXPECT_EQ(device.properties_memory, kGreatest - 1);
 }
 
 TEST_F(RecordTest, FailingQueriesBecomeFaults) {
