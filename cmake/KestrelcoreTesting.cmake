@@ -21,18 +21,34 @@ set(BUILD_GMOCK OFF)
 set(INSTALL_GTEST OFF)
 FetchContent_MakeAvailable(googletest)
 
+# The tests' own code compiles faster with little optimization and line tables alone. The library under
+# test keeps its own flags.
+set(kestrelcore_test_options "")
+if(KESTRELCORE_SANITIZERS OR MINGW)
+  set(kestrelcore_test_options -O0 -g1)
+elseif(NOT MSVC)
+  set(kestrelcore_test_options -O1 -g1)
+endif()
+foreach(target gtest gtest_main)
+  if(TARGET ${target}) # not where an installed package was found
+    target_compile_options(${target} PRIVATE ${kestrelcore_test_options})
+  endif()
+endforeach()
+
 # What test sources compile with. They link the library's objects, so nothing is imported.
 add_library(kestrelcore_test_common INTERFACE)
 target_compile_definitions(kestrelcore_test_common INTERFACE KESTRELCORE_STATIC_DEFINE)
 target_link_libraries(kestrelcore_test_common INTERFACE kestrelcore_common HIP::headers
                                                       GTest::gtest)
+target_compile_options(kestrelcore_test_common INTERFACE ${kestrelcore_test_options})
 
-# The tests' own code compiles faster with little optimization and line tables alone. The library under
-# test keeps its own flags.
-if(KESTRELCORE_SANITIZERS OR MINGW)
-  target_compile_options(kestrelcore_test_common INTERFACE -O0 -g1)
-elseif(NOT MSVC)
-  target_compile_options(kestrelcore_test_common INTERFACE -O1 -g1)
+# GoogleTest's header takes most of the time that a test source takes to compile, so it is compiled once.
+# An executable's object files suit executables alone, and so does a precompiled header.
+if(NOT MSVC)
+  add_executable(kestrelcore_test_headers EXCLUDE_FROM_ALL
+                                          "${PROJECT_SOURCE_DIR}/tests/test_headers.cpp")
+  target_link_libraries(kestrelcore_test_headers PRIVATE kestrelcore_test_common)
+  target_precompile_headers(kestrelcore_test_headers PRIVATE <filesystem> <fstream> <gtest/gtest.h>)
 endif()
 
 # The suites that start threads. With the thread sanitizer no others are built, since a single thread
@@ -46,6 +62,9 @@ function(kestrelcore_add_test name)
   cmake_parse_arguments(arg "" "PREFIX" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE kestrelcore_test_common GTest::gtest_main ${arg_LIBRARIES})
+  if(TARGET kestrelcore_test_headers)
+    target_precompile_headers(${name} REUSE_FROM kestrelcore_test_headers)
+  endif()
   if(KESTRELCORE_SANITIZERS STREQUAL "thread" AND NOT name IN_LIST kestrelcore_threaded_suites)
     set_target_properties(${name} PROPERTIES EXCLUDE_FROM_ALL ON)
     return()

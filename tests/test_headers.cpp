@@ -1,0 +1,2 @@
+// A program for the sake of its precompiled header, which all test programs use.
+int main() {}
