@@ -10,6 +10,8 @@ if(KESTRELCORE_SANITIZERS)
   # GCC misreports maybe-uninitialized in the standard library when it instruments it.
   add_compile_options(-fsanitize=${KESTRELCORE_SANITIZERS} -fno-sanitize-recover=all
                       -fno-sanitize=vptr -fno-omit-frame-pointer -Wno-maybe-uninitialized)
+  # The sanitizers do not see a vector read between its size and its capacity, or an empty optional.
+  add_compile_definitions(_GLIBCXX_ASSERTIONS)
   add_link_options(-fsanitize=${KESTRELCORE_SANITIZERS})
 endif()
 
