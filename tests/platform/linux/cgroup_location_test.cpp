@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <linux/magic.h>
 #include <sched.h>
 #include <unistd.h>
 
@@ -11,6 +12,7 @@
 #include <thread>
 
 #include "tests/platform/linux/child_process.h"
+#include "tests/platform/linux/faked_files.h"
 #include "tests/platform/linux/machine_tree.h"
 
 namespace kestrel::tests {
@@ -400,6 +402,88 @@ TEST_F(CgroupLocationTest, MountPointThatCannotBeOpenedFails) {
   tree_.WriteMounts(MountV2("/", "/loop"));
   std::filesystem::create_symlink("loop", tree_.root() + "/loop");
   EXPECT_EQ(Find(), "failed");
+}
+
+// A machine with the hierarchy at its usual place, and mounted whole at "/mnt" too. The mount table
+// names the second only, so the result shows whether it was read.
+class UsualPlaceTest : public testing::Test {
+ protected:
+  UsualPlaceTest() {
+    WriteMachine("0::/a\n", MountV2("/", "/mnt"), "/sys/fs/cgroup");
+    FakedFiles() = {tree_.root(), CGROUP2_SUPER_MAGIC, 1, "cgroup:[4026531835]"};
+  }
+  ~UsualPlaceTest() override { FakedFiles() = {}; }
+
+  void WriteMachine(const std::string& groups, const std::string& mounts,
+                    const std::string& usual_place) {
+    tree_.WriteGroups(groups);
+    tree_.WriteMounts(mounts);
+    tree_.Write("/mnt/a/cgroup.procs", "");
+    tree_.Write(usual_place + "/a/cgroup.procs", "");
+  }
+
+  // Returns the directory; "whole " precedes that of a whole hierarchy.
+  static std::string Find() {
+    bool failed = false;
+    const auto group = FindMemoryCgroup("", failed);
+    EXPECT_FALSE(failed);
+    return group ? (group->top_is_root ? "whole " : "") + std::string(group->directory.view())
+                 : "none";
+  }
+
+  MachineTree tree_;
+};
+
+TEST_F(UsualPlaceTest, WholeHierarchyInFirstNamespaceIsUsed) {
+  EXPECT_EQ(Find(), "whole /sys/fs/cgroup/a");
+}
+
+TEST_F(UsualPlaceTest, WholeHierarchyOfVersion1IsUsed) {
+  WriteMachine("4:memory:/a\n", MountV1("/", "/mnt"), "/sys/fs/cgroup/memory");
+  EXPECT_EQ(Find(), "/mnt/a");
+  FakedFiles().file_system = CGROUP_SUPER_MAGIC;
+  EXPECT_EQ(Find(), "whole /sys/fs/cgroup/memory/a");
+}
+
+TEST_F(UsualPlaceTest, OtherFileSystemIsNotUsed) {
+  for (const long type : {long{TMPFS_MAGIC}, long{CGROUP_SUPER_MAGIC}}) {
+    FakedFiles().file_system = type;
+    EXPECT_EQ(Find(), "/mnt/a") << type;
+  }
+}
+
+// Of a part of the hierarchy, another directory is mounted.
+TEST_F(UsualPlaceTest, PartOfHierarchyIsNotUsed) {
+  for (const ino_t inode : {0, 2, 100}) {
+    FakedFiles().inode = inode;
+    EXPECT_EQ(Find(), "/mnt/a") << inode;
+  }
+}
+
+TEST_F(UsualPlaceTest, OtherNamespaceIsNotUsed) {
+  for (const std::string link : {"", "cgroup:[4026531836]", "cgroup:[4026531835]1", "cgroup:["}) {
+    FakedFiles().link_target = link;
+    EXPECT_EQ(Find(), "/mnt/a") << link;
+  }
+}
+
+TEST_F(UsualPlaceTest, WhatCannotBeCheckedIsNotUsed) {
+  for (bool FilesFake::*const fails :
+       {&FilesFake::fstatfs_fails, &FilesFake::fstat_fails, &FilesFake::readlink_fails}) {
+    FakedFiles().*fails = true;
+    EXPECT_EQ(Find(), "/mnt/a");
+    FakedFiles().*fails = false;
+  }
+}
+
+TEST_F(UsualPlaceTest, GroupOfAnotherRootIsSearchedInTheMountTable) {
+  const std::string root = tree_.root();
+  FakedFiles().root = "/";  // where "//proc" is this machine's
+  bool failed = false;
+  const auto group = FindMemoryCgroup(root, failed);
+  ASSERT_TRUE(group);
+  EXPECT_FALSE(group->top_is_root);
+  EXPECT_EQ(group->directory.view(), root + "/mnt/a");
 }
 
 // The root "/." names this machine too, but switches the shortcut off.
