@@ -1,7 +1,6 @@
 // The same calls through the C interface.
 
 #include <kestrelcore.h>
-#include <unistd.h>
 
 #include <cstdint>
 
@@ -43,15 +42,13 @@ std::int32_t WillFail() {
   return will_fail;
 }
 
-std::uint64_t ProcessUsedRam() {
-  static const int process = getpid();
+std::uint64_t ProcessUsedRam(int process) {
   std::uint64_t bytes = 0;
   kestrel_process_used_ram(process, &bytes, &result);
   return bytes;
 }
 
-float CpuUsage() {
-  static const int process = getpid();
+float CpuUsage(int process) {
   float percent = 0;
   kestrel_cpu_usage(process, 0, &percent, &result);
   return percent;
@@ -64,8 +61,8 @@ const bool added[] = {
     Compare("getMachinePhysicalRAM", kWay, MachinePhysicalRam),
     Compare("getAvailableRAM", kWay, AvailableRam),
     Compare("willFailToAllocate", kWay, WillFail),
-    Compare("getProcessUsedRAM", kWay, ProcessUsedRam),
-    Compare("GetCpuUsage", kWay, CpuUsage),
+    ComparePerProcess("getProcessUsedRAM", kWay, ProcessUsedRam),
+    ComparePerProcess("GetCpuUsage", kWay, CpuUsage),
 };
 
 }  // namespace

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "bench/measured_process.h"
+
 namespace kestrel::bench {
 
 // The ways to obtain a figure are benchmarks named "<figure>/<way>". The way "kestrelcore" is the
@@ -34,6 +36,13 @@ bool Compare(const std::string& figure, const std::string& way, Call call) {
   })->Unit(benchmark::kMicrosecond);
   Ways().push_back({name, [call] { benchmark::DoNotOptimize(call()); }, true});
   return true;
+}
+
+// Adds a way to measure a process, by its id.
+template <typename Call>
+bool ComparePerProcess(const std::string& figure, const std::string& way, Call call) {
+  return Compare(figure + ", own process", way, [call] { return call(OwnProcess()); }) &&
+         Compare(figure + ", another process", way, [call] { return call(OtherProcess()); });
 }
 
 // Adds a way that remembers its answer, so that only the first call in a process obtains one. Each

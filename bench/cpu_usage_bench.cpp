@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <string>
 
 #include "bench/comparison.h"
 #include "utils/cpu_usage.h"
@@ -17,11 +16,6 @@ namespace kestrel::bench {
 
 namespace {
 
-float Usage() {
-  static const int process = getpid();
-  return kestrel_utils::GetCpuUsage(process, 0);
-}
-
 long Nanoseconds(clockid_t clock) {
   timespec time{};
   clock_gettime(clock, &time);
@@ -29,10 +23,11 @@ long Nanoseconds(clockid_t clock) {
 }
 
 // The clock of the process and that of the wall, at both ends.
+template <int (*kProcess)()>
 double ReadTwoClocksTwice() {
   static const clockid_t process = [] {
     clockid_t clock{};
-    clock_getcpuclockid(getpid(), &clock);
+    clock_getcpuclockid(kProcess(), &clock);
     return clock;
   }();
   const long used = Nanoseconds(process);
@@ -44,10 +39,10 @@ double ReadTwoClocksTwice() {
 
 // User and system time in clock ticks: fields 14 and 15 of proc_pid_stat(5). The second field, the
 // command in parentheses, may contain spaces.
-long TicksOfStat() {
-  static const std::string path = "/proc/" + std::to_string(getpid()) + "/stat";
+long TicksOfStat(int process) {
   std::array<char, 1024> text{};
-  const int stat = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  std::snprintf(text.data(), text.size(), "/proc/%d/stat", process);
+  const int stat = open(text.data(), O_RDONLY | O_CLOEXEC);
   const ssize_t size = read(stat, text.data(), text.size() - 1);
   close(stat);
   const char* field = size > 0 ? std::strrchr(text.data(), ')') : nullptr;
@@ -62,18 +57,20 @@ long TicksOfStat() {
   return user + std::strtol(rest, nullptr, 10);
 }
 
-double ReadStatTwice() {
-  const long ticks = TicksOfStat();
+double ReadStatTwice(int process) {
+  const long ticks = TicksOfStat(process);
   const long start = Nanoseconds(CLOCK_MONOTONIC);
-  const long ticks_since = TicksOfStat() - ticks;
+  const long ticks_since = TicksOfStat(process) - ticks;
   return static_cast<double>(ticks_since) /
          static_cast<double>(Nanoseconds(CLOCK_MONOTONIC) - start);
 }
 
 const bool added[] = {
-    Compare("GetCpuUsage", "kestrelcore", Usage),
-    Compare("GetCpuUsage", "limit", ReadTwoClocksTwice),
-    Compare("GetCpuUsage", "raw stat", ReadStatTwice),
+    ComparePerProcess("GetCpuUsage", "kestrelcore",
+                      [](int process) { return kestrel_utils::GetCpuUsage(process, 0); }),
+    ComparePerProcess("GetCpuUsage", "raw stat", ReadStatTwice),
+    Compare("GetCpuUsage, own process", "limit", ReadTwoClocksTwice<OwnProcess>),
+    Compare("GetCpuUsage, another process", "limit", ReadTwoClocksTwice<OtherProcess>),
 };
 
 }  // namespace

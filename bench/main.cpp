@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "bench/comparison.h"
+#include "bench/measured_process.h"
 #include "bench/trace.h"
 
 namespace {
@@ -33,6 +34,7 @@ void PrintCounts() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  kestrel::bench::OtherProcess();  // one for this process and the children that it traces
   if (argc == 2 && std::string_view(argv[1]) == "--counts") {
     PrintCounts();
     return 0;

@@ -20,11 +20,6 @@ long long AvailableRam() { return MemoryObserver().getAvailableRAM(); }
 
 bool WillFail() { return MemoryObserver().willFailToAllocate(1 << 20); }
 
-long long ProcessUsedRam() {
-  static const int process = getpid();
-  return MemoryObserver::getProcessUsedRAM(process);
-}
-
 unsigned long TotalOfSysinfo() {
   struct sysinfo info {};
   sysinfo(&info);
@@ -39,9 +34,14 @@ std::size_t ReadFilesOf() {
   return ReadBare(files);
 }
 
+std::size_t ReadOwnStatm() {
+  static const std::vector<FileToRead> statm = {{"/proc/self/statm", 1}};
+  return ReadBare(statm);
+}
+
 // Signal 0 checks that the id is that of a process, not of another thread.
-std::size_t ReadStatm() {
-  static const int process = getpid();
+std::size_t ReadOtherStatm() {
+  static const int process = OtherProcess();
   static const std::vector<FileToRead> statm = {{"/proc/" + std::to_string(process) + "/statm", 1}};
   syscall(SYS_tgkill, process, process, 0);
   return ReadBare(statm);
@@ -54,8 +54,9 @@ const bool added[] = {
     Compare("getAvailableRAM", "limit", ReadFilesOf<AvailableRam>),
     Compare("willFailToAllocate", "kestrelcore", WillFail),
     Compare("willFailToAllocate", "limit", ReadFilesOf<WillFail>),
-    Compare("getProcessUsedRAM", "kestrelcore", ProcessUsedRam),
-    Compare("getProcessUsedRAM", "limit", ReadStatm),
+    ComparePerProcess("getProcessUsedRAM", "kestrelcore", MemoryObserver::getProcessUsedRAM),
+    Compare("getProcessUsedRAM, own process", "limit", ReadOwnStatm),
+    Compare("getProcessUsedRAM, another process", "limit", ReadOtherStatm),
 };
 
 }  // namespace

@@ -2,7 +2,6 @@
 #include <glibtop/mem.h>
 #include <glibtop/procmem.h>
 #include <glibtop/proctime.h>
-#include <unistd.h>
 
 #include "bench/comparison.h"
 
@@ -22,31 +21,29 @@ guint64 FreeMemory() {
   return memory.free + memory.buffer + memory.cached;
 }
 
-guint64 ResidentMemory() {
-  static const pid_t process = getpid();
+guint64 ResidentMemory(int process) {
   glibtop_proc_mem memory{};
   glibtop_get_proc_mem(&memory, process);
   return memory.resident;
 }
 
-guint64 Time() {
-  static const pid_t process = getpid();
+guint64 Time(int process) {
   glibtop_proc_time time{};
   glibtop_get_proc_time(&time, process);
   return time.rtime;
 }
 
-guint64 TimeTwice() {
-  const guint64 first = Time();
-  return Time() - first;
+guint64 TimeTwice(int process) {
+  const guint64 first = Time(process);
+  return Time(process) - first;
 }
 
 const bool added[] = {
     Compare("getMachinePhysicalRAM", "libgtop", [] { return Memory().total; }),
     Compare("getAvailableRAM", "libgtop", FreeMemory),
     Compare("willFailToAllocate", "libgtop", [] { return FreeMemory() < 1 << 20; }),
-    Compare("getProcessUsedRAM", "libgtop", ResidentMemory),
-    Compare("GetCpuUsage", "libgtop", TimeTwice),
+    ComparePerProcess("getProcessUsedRAM", "libgtop", ResidentMemory),
+    ComparePerProcess("GetCpuUsage", "libgtop", TimeTwice),
 };
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include <libproc2/meminfo.h>
 #include <libproc2/pids.h>
-#include <unistd.h>
 
 #include "bench/comparison.h"
 
@@ -21,33 +20,32 @@ unsigned long Kibibytes() {
   return stack != nullptr ? stack->head[0].result.ul_int : 0;
 }
 
-// An item of this process.
 template <pids_item kItem>
-unsigned long long OfProcess() {
+unsigned long long OfProcess(int process) {
   static pids_info* const info = [] {
     pids_info* created = nullptr;
     pids_item item = kItem;
     procps_pids_new(&created, &item, 1);
     return created;
   }();
-  static unsigned process = static_cast<unsigned>(getpid());
-  const pids_fetch* const found = procps_pids_select(info, &process, 1, PIDS_SELECT_PID);
+  auto id = static_cast<unsigned>(process);
+  const pids_fetch* const found = procps_pids_select(info, &id, 1, PIDS_SELECT_PID);
   return found != nullptr ? found->stacks[0]->head[0].result.ull_int : 0;
 }
 
 bool WillFail() { return Kibibytes<MEMINFO_MEM_AVAILABLE>() < 1 << 10; }
 
-unsigned long long TicksTwice() {
-  const auto first = OfProcess<PIDS_TICS_ALL>();
-  return OfProcess<PIDS_TICS_ALL>() - first;
+unsigned long long TicksTwice(int process) {
+  const auto first = OfProcess<PIDS_TICS_ALL>(process);
+  return OfProcess<PIDS_TICS_ALL>(process) - first;
 }
 
 const bool added[] = {
     Compare("getMachinePhysicalRAM", "libproc2", Kibibytes<MEMINFO_MEM_TOTAL>),
     Compare("getAvailableRAM", "libproc2", Kibibytes<MEMINFO_MEM_AVAILABLE>),
     Compare("willFailToAllocate", "libproc2", WillFail),
-    Compare("getProcessUsedRAM", "libproc2", OfProcess<PIDS_MEM_RES>),
-    Compare("GetCpuUsage", "libproc2", TicksTwice),
+    ComparePerProcess("getProcessUsedRAM", "libproc2", OfProcess<PIDS_MEM_RES>),
+    ComparePerProcess("GetCpuUsage", "libproc2", TicksTwice),
 };
 
 }  // namespace

@@ -32,7 +32,7 @@ const bool added[] = {
     Compare("getMachinePhysicalRAM", "libuv", uv_get_total_memory),
     Compare("getAvailableRAM", "libuv", AvailableMemory),
     Compare("willFailToAllocate", "libuv", [] { return AvailableMemory() < 1 << 20; }),
-    Compare("getProcessUsedRAM", "libuv", ResidentMemory),
+    Compare("getProcessUsedRAM, own process", "libuv", ResidentMemory),
 };
 
 }  // namespace

@@ -11,8 +11,10 @@ GOALS = (
     ("getMachinePhysicalRAM", "limit", 1.15),
     ("getAvailableRAM", "limit", 1.15),
     ("willFailToAllocate", "limit", 1.15),
-    ("getProcessUsedRAM", "libgtop", 1.0),
-    ("GetCpuUsage", "raw stat", 0.5),
+    ("getProcessUsedRAM, own process", "libgtop", 1.0),
+    ("getProcessUsedRAM, another process", "libgtop", 1.0),
+    ("GetCpuUsage, own process", "raw stat", 0.5),
+    ("GetCpuUsage, another process", "raw stat", 0.5),
 )
 ACCURACY_GOAL = (100, 50, "psutil", 0.5)  # duty, interval, compared with, the largest ratio
 
