@@ -34,17 +34,17 @@ std::size_t ReadFilesOf() {
   return ReadBare(files);
 }
 
-std::size_t ReadOwnStatm() {
-  static const std::vector<FileToRead> statm = {{"/proc/self/statm", 1}};
+template <int (*kProcess)()>
+std::size_t ReadStatm() {
+  static const std::vector<FileToRead> statm = {
+      {"/proc/" + std::to_string(kProcess()) + "/statm", 1}};
   return ReadBare(statm);
 }
 
 // Signal 0 checks that the id is that of a process, not of another thread.
 std::size_t ReadOtherStatm() {
-  static const int process = OtherProcess();
-  static const std::vector<FileToRead> statm = {{"/proc/" + std::to_string(process) + "/statm", 1}};
-  syscall(SYS_tgkill, process, process, 0);
-  return ReadBare(statm);
+  syscall(SYS_tgkill, OtherProcess(), OtherProcess(), 0);
+  return ReadStatm<OtherProcess>();
 }
 
 const bool added[] = {
@@ -55,7 +55,7 @@ const bool added[] = {
     Compare("willFailToAllocate", "kestrelcore", WillFail),
     Compare("willFailToAllocate", "limit", ReadFilesOf<WillFail>),
     ComparePerProcess("getProcessUsedRAM", "kestrelcore", MemoryObserver::getProcessUsedRAM),
-    Compare("getProcessUsedRAM, own process", "limit", ReadOwnStatm),
+    Compare("getProcessUsedRAM, own process", "limit", ReadStatm<OwnProcess>),
     Compare("getProcessUsedRAM, another process", "limit", ReadOtherStatm),
 };
 
