@@ -101,7 +101,8 @@ def measure(process, scale):
 def errors_of_load(program, duty, scale):
     with subprocess.Popen([program, str(duty)], stdout=subprocess.PIPE, text=True) as child:
         try:
-            time.sleep(0.3)
+            while child.poll() is None and ticks_of_stat(child.pid) == 0:
+                time.sleep(0.01)
             measured = list(measure(psutil.Process(child.pid) if psutil else child, scale))
         finally:
             child.send_signal(signal.SIGTERM)

@@ -74,8 +74,8 @@ def run_benchmarks(names, repetitions, devices=1):
             ],
             check=True,
             env=environment(devices, folder),
-            stdout=subprocess.DEVNULL,
-            stderr=subprocess.DEVNULL,
+            capture_output=True,
+            text=True,
         )
         return times(json.loads(report.read_text()))
 
@@ -148,6 +148,8 @@ def machine():
 def measure_all(say):
     """Everything that the page shows."""
     begin, load = time.monotonic(), os.getloadavg()[0]
+    if load > 1:
+        say(f"The load average is {load:.1f}: other programs distort the figures, above all those of the start.")
     say("system calls and allocations")
     counts = parse_counts(run_with_environment(BUILD / "bench/kestrelcore_bench", "--counts"))
     say("times next to the limits and the peers")
