@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "tests/platform/linux/faked_reads.h"
 #include "tests/platform/linux/machine_tree.h"
 
 namespace kestrel::tests {
@@ -28,6 +30,9 @@ std::vector<std::string> LinesOf(const std::string& directory, bool expect_failu
 
 class LineReaderTest : public testing::Test {
  protected:
+  LineReaderTest() { FakedReads() = {}; }
+  ~LineReaderTest() override { FakedReads() = {}; }
+
   std::vector<std::string> Lines(const std::string& text) {
     tree_.Write("/text", text);
     return LinesOf(tree_.root());
@@ -75,6 +80,39 @@ TEST_F(LineReaderTest, FileThatCannotBeOpenedFails) {
 TEST_F(LineReaderTest, UnreadableFileFails) {
   tree_.MakeUnreadable("/text");
   EXPECT_EQ(LinesOf(tree_.root(), /*expect_failure=*/true), Strings());
+}
+
+TEST_F(LineReaderTest, InterruptedReadIsRepeated) {
+  tree_.Write("/text", "one\ntwo\n");
+  FakedReads().errors = {EINTR, EINTR};
+  EXPECT_EQ(LinesOf(tree_.root()), Strings({"one", "two"}));
+}
+
+TEST_F(LineReaderTest, ReadThatFailsIsNotRepeated) {
+  tree_.Write("/text", "one\n");
+  FakedReads().errors = {EIO};
+  EXPECT_EQ(LinesOf(tree_.root(), /*expect_failure=*/true), Strings());
+  EXPECT_EQ(FakedReads().calls, 1);
+}
+
+// The controller of a memory group may have been switched off.
+TEST_F(LineReaderTest, FileThatVanishedHasNoLines) {
+  tree_.Write("/text", "one\n");
+  FakedReads().errors = {ENODEV};
+  EXPECT_EQ(LinesOf(tree_.root()), Strings());
+}
+
+TEST_F(LineReaderTest, EndOfFileIsReadOnce) {
+  tree_.Write("/text", "one\ntwo\n");
+  EXPECT_EQ(LinesOf(tree_.root()), Strings({"one", "two"}));
+  EXPECT_EQ(FakedReads().calls, 2);
+}
+
+TEST_F(LineReaderTest, EndlessInterruptionsEndTheReading) {
+  tree_.Write("/text", "one\n");
+  FakedReads().errors.assign(2000, EINTR);
+  EXPECT_EQ(LinesOf(tree_.root()), Strings());
+  EXPECT_EQ(FakedReads().calls, 1024);
 }
 
 TEST_F(LineReaderTest, LinesAcrossReadsAreJoined) {

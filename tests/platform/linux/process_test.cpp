@@ -230,6 +230,17 @@ TEST(LinuxProcessTest, WhereThreadGroupProbeIsRefusedOnlyProcessesOpen) {
   }
 }
 
+TEST(LinuxProcessTest, WhereNeitherProbeNorStatusCanBeReadNothingOpens) {
+  const Outcome outcome = RunApart([] {
+    RefuseCalls(SYS_clock_getres, EPERM);
+    LeaveDescriptors(1);  // for the handle
+    if (OpensAs(getppid())) {
+      throw std::runtime_error("a process opened");
+    }
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
 // The kernel returns these if no process has the id, whatever "/proc" contains.
 TEST(LinuxProcessTest, WhereThreadGroupProbeFindsNoProcessNothingOpens) {
   for (const int error : {ESRCH, EINVAL}) {

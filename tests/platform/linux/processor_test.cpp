@@ -1,3 +1,4 @@
+#include <cpuid.h>
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
@@ -34,6 +35,21 @@ void Cover(const char* folder) {
 void RequireCount(const std::optional<std::uint32_t>& expected) {
   if (LogicalProcessorCount() != expected) {
     throw std::runtime_error("another number of processors");
+  }
+}
+
+TEST(LinuxProcessorTest, RegistersAreThoseOfTheLeaf) {
+  for (const std::uint32_t leaf : {0U, 7U, 0x80000002U}) {
+    std::uint32_t eax = 0;
+    std::uint32_t ebx = 0;
+    std::uint32_t ecx = 0;
+    std::uint32_t edx = 0;
+    __cpuid_count(leaf, 0, eax, ebx, ecx, edx);
+    const platform::CpuidRegisters registers = platform::Cpuid(leaf, 0);
+    EXPECT_EQ(registers.eax, eax) << leaf;
+    EXPECT_EQ(registers.ebx, ebx) << leaf;
+    EXPECT_EQ(registers.ecx, ecx) << leaf;
+    EXPECT_EQ(registers.edx, edx) << leaf;
   }
 }
 

@@ -22,7 +22,7 @@ TEST(StatmTest, MalformedTextHasNoResidentSet) {
 }
 
 TEST(StatmTest, TextTruncatedInTheSecondNumberHasNoResidentSet) {
-  for (const char* const text : {"1803 1", "1803 106", "1803 1067"}) {
+  for (const char* const text : {"1803 1", "1803 106", "1803 1067", "1803 1067\n", "1803 1067x"}) {
     EXPECT_FALSE(ParseResidentPages(text)) << text;
   }
 }

@@ -8,11 +8,13 @@
 #include <cerrno>
 #include <cstdlib>
 #include <fstream>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
+#include "tests/platform/linux/child_process.h"
+#include "tests/platform/linux/faked_reads.h"
 #include "tests/platform/linux/interrupted_open.h"
-#include "tests/platform/linux/short_read.h"
 
 namespace kestrel::tests {
 namespace {
@@ -25,8 +27,14 @@ using platform::TakeNumber;
 class TextFileTest : public testing::Test {
  protected:
   std::string path_ = testing::TempDir() + "text_file_test." + std::to_string(getpid());
-  TextFileTest() { std::ofstream(path_) << "a text"; }
-  ~TextFileTest() override { unlink(path_.c_str()); }
+  TextFileTest() {
+    std::ofstream(path_) << "a text";
+    FakedReads() = {};
+  }
+  ~TextFileTest() override {
+    FakedReads() = {};
+    unlink(path_.c_str());
+  }
 };
 
 TEST_F(TextFileTest, LongTextIsTruncatedToTheBuffer) {
@@ -58,11 +66,51 @@ TEST_F(TextFileTest, InterruptionOfEarlierCallDoesNotRepeatTheRead) {
 TEST_F(TextFileTest, TextThatComesInPiecesIsReadToItsEnd) {
   std::array<char, 16> buffer;
   for (const std::size_t piece : {1, 4, 6}) {
-    ShortenReads(piece);
+    FakedReads().most = piece;
     EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "a text") << piece;
     EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), 3), "a t") << piece;
-    ShortenReads(0);
   }
+}
+
+TEST_F(TextFileTest, ReadStopsWhereTheFirstPieceEndsALine) {
+  std::ofstream(path_) << "a line\n";
+  std::array<char, 16> buffer;
+  EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "a line\n");
+  EXPECT_EQ(FakedReads().calls, 1);
+}
+
+TEST_F(TextFileTest, LaterPieceThatEndsALineDoesNotStopTheRead) {
+  std::ofstream(path_) << "one\ntwo\nthree";
+  std::array<char, 16> buffer;
+  FakedReads().most = 2;
+  EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "one\ntwo\nthree");
+}
+
+TEST_F(TextFileTest, InterruptedReadIsRepeated) {
+  std::array<char, 16> buffer;
+  FakedReads().errors = {EINTR, EINTR};
+  EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "a text");
+}
+
+TEST_F(TextFileTest, ReadThatFailsIsNotRepeated) {
+  std::array<char, 16> buffer;
+  FakedReads().errors = {EIO};
+  EXPECT_FALSE(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()));
+  EXPECT_EQ(FakedReads().calls, 1);
+}
+
+TEST_F(TextFileTest, DescriptorZeroIsOpen) {
+  const Outcome outcome = RunApart([this] {
+    close(0);
+    errno = EINTR;
+    if (FileDescriptor(AT_FDCWD, path_.c_str()).get() != 0) {
+      throw std::runtime_error("another descriptor");
+    }
+    if (fcntl(0, F_GETFD) != -1) {
+      throw std::runtime_error("it was not closed");
+    }
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
 TEST_F(TextFileTest, DescriptorClosesItselfUnlessReleased) {
