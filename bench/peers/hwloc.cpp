@@ -8,7 +8,7 @@ namespace kestrel::bench {
 
 namespace {
 
-// Whatever is asked of it, it looks at the whole machine first.
+// It has to look at the whole machine before it returns any figure.
 std::uint64_t TotalMemory() {
   hwloc_topology_t topology{};
   hwloc_topology_init(&topology);

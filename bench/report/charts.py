@@ -93,7 +93,8 @@ def lines(title, x_title, y_title, series):
     points = [point for _, _, curve in series for point in curve]
     across = Scale([x for x, _ in points], left, right)
     up = Scale([y for _, y in points], bottom, top)
-    elements = [text(10, 22, title, kind="title"), text(10, 40, y_title), text(right, bottom + 36, x_title, "end")]
+    elements = [text(10, 22, title, kind="title"), text(10, 40, y_title)]
+    elements.append(text(right, bottom + 36, x_title, "end"))
     for power in across.powers():
         elements.append(segment(across(power), top, across(power), bottom))
         elements.append(text(across(power), bottom + 18, f"{power:g}", "middle"))
@@ -101,9 +102,9 @@ def lines(title, x_title, y_title, series):
         elements.append(segment(left, up(power), right, up(power)))
         elements.append(text(left - 8, up(power) + 4, f"{power:g}", "end"))
     for place, (name, kind, curve) in enumerate(series):
-        path = " ".join(f"{across(x):.1f},{up(y):.1f}" for x, y in curve)
-        elements.append(f'<polyline class="line {kind}" style="fill: none" points="{path}"/>')
         key = top + 12 + 20 * place
-        elements.append(f'<polyline class="line {kind}" style="fill: none" points="{right + 20},{key - 4} {right + 50},{key - 4}"/>')
+        path = " ".join(f"{across(x):.1f},{up(y):.1f}" for x, y in curve)
+        for points in (path, f"{right + 20},{key - 4} {right + 50},{key - 4}"):
+            elements.append(f'<polyline class="line {kind}" style="fill: none" points="{points}"/>')
         elements.append(text(right + 58, key, name))
     return document(bottom + 50, title, elements)

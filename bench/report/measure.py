@@ -149,7 +149,7 @@ def measure_all(say):
     """Everything that the page shows."""
     begin, load = time.monotonic(), os.getloadavg()[0]
     if load > 1:
-        say(f"The load average is {load:.1f}: other programs distort the figures, above all those of the start.")
+        say(f"The load average is {load:.1f}: other programs distort the figures.")
     say("system calls and allocations")
     counts = parse_counts(run_with_environment(BUILD / "bench/kestrelcore_bench", "--counts"))
     say("times next to the limits and the peers")

@@ -142,7 +142,7 @@ def advice(accuracy):
     known = [f"{interval} ms for {points}" for points, interval in intervals if interval is not None]
     if not known:
         return "No interval measured here keeps the mean error within 5 points."
-    return f"The shortest intervals that kept the mean error of both within so many points: {', '.join(known)}."
+    return f"The shortest intervals whose mean error stayed within so many points: {', '.join(known)}."
 
 
 def machine_text(machine):
