@@ -19,21 +19,29 @@ hipError_t Call(const std::string& operation) {
   return status == Hip().statuses.end() ? hipSuccess : status->second;
 }
 
+template <typename Figure, typename Value>
+void Write(const std::string& operation, Figure* figure, Value value) {
+  if (Hip().silent.count(operation) == 0) {
+    *figure = value;
+  }
+}
+
 }  // namespace
 }  // namespace kestrel::tests
 
 using kestrel::tests::Call;
 using kestrel::tests::Hip;
+using kestrel::tests::Write;
 
 hipError_t hipGetDeviceCount(int* count) {
   const hipError_t status = Call("hipGetDeviceCount");
-  *count = Hip().device_count;
+  Write("hipGetDeviceCount", count, Hip().device_count);
   return status;
 }
 
 hipError_t hipGetDeviceProperties(hipDeviceProp_t* properties, int /*device*/) {
   const hipError_t status = Call("hipGetDeviceProperties");
-  properties->totalGlobalMem = Hip().properties_memory;
+  Write("hipGetDeviceProperties", &properties->totalGlobalMem, Hip().properties_memory);
   return status;
 }
 
@@ -41,8 +49,8 @@ hipError_t hipSetDevice(int /*device*/) { return Call("hipSetDevice"); }
 
 hipError_t hipMemGetInfo(std::size_t* free, std::size_t* total) {
   const hipError_t status = Call("hipMemGetInfo");
-  *free = Hip().free_memory;
-  *total = Hip().total_memory;
+  Write("hipMemGetInfo", free, Hip().free_memory);
+  Write("hipMemGetInfo", total, Hip().total_memory);
   return status;
 }
 

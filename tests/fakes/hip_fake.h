@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -20,8 +21,9 @@ struct HipFake {
   std::size_t total_memory = 0;         // bytes, of every device
 
   // What an operation returns, by its name; hipSuccess for the others. Its figures are written
-  // either way.
+  // either way, unless it is silent.
   std::map<std::string, hipError_t> statuses;
+  std::set<std::string> silent;  // operations that write no figure
   // What an operation does first, by its name: throw, for example.
   std::map<std::string, std::function<void()>> actions;
 

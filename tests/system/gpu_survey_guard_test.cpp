@@ -1,4 +1,4 @@
-// SurveyGpus over a runtime that throws.
+// SurveyGpus over a runtime that throws, or that writes no figures.
 
 #include <gtest/gtest.h>
 
@@ -24,6 +24,19 @@ TEST(GpuSurveyGuardTest, ExceptionOfAnyCallPassesThrough) {
     Hip().actions[operation] = [] { throw std::runtime_error("runtime"); };
     EXPECT_THROW(static_cast<void>(SurveyGpus()), std::runtime_error) << operation;
   }
+}
+
+TEST(GpuSurveyGuardTest, FiguresThatTheRuntimeDoesNotWriteAreZero) {
+  Hip() = {};
+  Hip().device_count = 2;
+  Hip().total_memory = 40;
+  Hip().silent = {"hipMemGetInfo"};
+  const auto [result, gpus] = SurveyGpus();
+  EXPECT_EQ(result.code, system::ResultCode::Success);
+  ASSERT_EQ(gpus.size(), 2U);
+  EXPECT_EQ(gpus[1].totalMemory, 0U);
+  Hip().silent = {"hipGetDeviceCount"};
+  EXPECT_TRUE(SurveyGpus().second.empty());
 }
 
 }  // namespace

@@ -99,6 +99,18 @@ TEST_F(VramRocmGuardTest, FailedCallReadsAsNoFreeMemoryThoughTheFigureWasWritten
   EXPECT_EQ(cerr_.text(), "");
 }
 
+TEST_F(VramRocmGuardTest, FiguresThatTheRuntimeDoesNotWriteAreZero) {
+  Hip().silent = {"hipGetDeviceProperties", "hipMemGetInfo"};
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true, kStandardError), 0);
+  EXPECT_EQ(getAvailableVRAM_ROCm(true), 0);
+  EXPECT_EQ(cerr_.text(), "");
+  Hip().silent = {"hipGetDeviceCount"};
+  Hip().calls.clear();
+  EXPECT_EQ(getMachinePhysicalVRAM_ROCm(true, kStandardError), 0);
+  EXPECT_EQ(getAvailableVRAM_ROCm(true), 0);
+  EXPECT_EQ(Hip().calls, (Calls{"hipGetDeviceCount", "hipGetDeviceCount"}));
+}
+
 // The status of hipGetDeviceCount is ignored here, by contract.
 TEST_F(VramRocmGuardTest, FailedCountThatWroteTheFigureIsUsedForFreeMemory) {
   Hip().statuses["hipGetDeviceCount"] = hipErrorNotInitialized;

@@ -111,6 +111,7 @@ TEST_F(OptionalFileTest, SuccessAfterFailureKeepsFailure) {
   failed_ = true;
   EXPECT_EQ(Number("5\n"), 5U);
   EXPECT_EQ(Text(), "5\n");
+  EXPECT_TRUE(FileExists(tree_.root(), "/file", failed_));
   EXPECT_TRUE(failed_);
 }
 

@@ -205,6 +205,21 @@ TEST(LinuxProcessTest, ProcessWhoseThreadsCannotBeReadReturnsNoFigure) {
   }
 }
 
+TEST(LinuxProcessTest, ThreadsThatEndBeforeTheyAreOpenedHoldNoMemory) {
+  const ChildProcess child(LiveWithoutFirstThread);
+  child.AwaitFirstThreadsEnd();
+  const Outcome outcome = RunApart([&child] {
+    const int first = dup(STDERR_FILENO);
+    close(first);
+    const auto process = Process::Open(child.pid(), ProcessRights::kMemory);
+    RefuseCalls(SYS_openat, ENOENT, static_cast<std::uint32_t>(first + 1));
+    if (!process || process->ResidentBytes() != 0U) {
+      throw std::runtime_error("another figure was returned");
+    }
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
 TEST(LinuxProcessTest, ThreadsThatEndBeforeTheyAreReadHoldNoMemory) {
   const ChildProcess child(LiveWithoutFirstThread);
   child.AwaitFirstThreadsEnd();
