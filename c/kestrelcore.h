@@ -251,7 +251,8 @@ kestrel_status kestrel_survey_hardware(kestrel_gpu* gpus, size_t capacity, size_
 /// Blocks the calling thread for about that interval; with 0 or less it measures over the few
 /// microseconds between its two samples. Ask for 100 ms or more: the processor time of another
 /// process advances in steps, of 4 ms on many Linux systems and of 15.6 ms on Windows. On Linux
-/// "/proc" must be mounted; a zombie uses 0 percent, and the id of a thread is not a process.
+/// "/proc" must be mounted to measure another process than the caller's; a zombie uses 0 percent,
+/// and the id of a thread is not a process.
 ///
 /// Fails with `KESTREL_INVALID_ARGUMENT` if `pid` is below 1, and with
 /// `KESTREL_PROCESS_QUERY_FAILED`: `*percent` is then -1.

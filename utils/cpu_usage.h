@@ -22,14 +22,15 @@ namespace kestrel_utils {
 /// Returns -1.0 and reports it in one line (see "Diagnostics" in utils/memory_observer.h) if `pid`
 /// is below 1, if the process cannot be opened, if one of the two samples fails, or if no
 /// wall-clock time elapsed. Returns -1.0 without a line if the logical processors cannot be
-/// counted: on Linux if only one file descriptor is left, or if neither "/sys" nor "/proc/stat" can
-/// be read. A call that fails before its sleep returns at once.
+/// counted: on Linux if no file descriptor is left, or only one and `pid` is not the caller's, or
+/// if neither "/sys" nor "/proc/stat" can be read. A call that fails before its sleep returns at
+/// once.
 ///
 /// On Windows the figures come from GetProcessTimes and GetSystemInfo. On Linux they come from the
 /// process CPU clock (clock_getcpuclockid) and the online processors; a zombie uses 0 percent; the
-/// id of a thread is not a process. "/proc" must be mounted, and must be that of the caller's
-/// process namespace: with another one every call fails, unless the caller has the same pid in both
-/// namespaces, which is not detected.
+/// id of a thread is not a process. To measure another process than the caller's, "/proc" must be
+/// mounted, and must be that of the caller's process namespace: with another one the call fails,
+/// unless the caller has the same pid in both namespaces, which is not detected.
 ///
 /// Never throws, allocates no memory, and may be called from any number of threads at once. On
 /// Linux it needs up to 16 KiB of stack, also at the first call in a process (measured: less than

@@ -63,8 +63,9 @@ class MemoryObserver {
   /// without a report if its memory cannot be read.
   ///
   /// On Linux a zombie holds 0 bytes, and the id of a thread is not a process. "/proc" must be
-  /// mounted, and must be that of the caller's process namespace: with another one every call
-  /// fails, unless the caller has the same pid in both namespaces, which is not detected.
+  /// mounted. To measure another process than the caller's, it must be that of the caller's process
+  /// namespace: with another one the call fails, unless the caller has the same pid in both
+  /// namespaces, which is not detected.
   [[nodiscard]] KESTRELCORE_EXPORT static long long getProcessUsedRAM(int pid) noexcept;
 
   /// Returns the total VRAM of all HIP devices: the sum of totalGlobalMem of their properties. A
