@@ -47,10 +47,11 @@ kestrel_status kestrel_survey_cpu(kestrel_cpu* cpu, kestrel_result* result) {
   return Answer(result);
 }
 
-// The count may be larger than the caller's room, which then asks again.
+// There may be more than the caller first has room for; it then asks again.
 kestrel_status kestrel_survey_gpus(kestrel_gpu* gpus, std::size_t capacity, std::size_t* count,
                                    kestrel_result* result) {
-  const auto there_are = answers->ConsumeIntegralInRange<std::size_t>(0, 20);
+  constexpr std::size_t kCounts[] = {0, 1, 2, 17};
+  const std::size_t there_are = answers->PickValueInArray(kCounts);
   *count = there_are;
   if (there_are > capacity) {
     return KESTREL_CAPACITY_TOO_SMALL;
