@@ -22,8 +22,8 @@ class Card:
     total: int
 
 
-CARDS = [Card("First Card", "gfx1100", False, 9 * GIGABYTE, 6 * GIGABYTE, 8 * GIGABYTE),
-         Card("Second Card", "gfx1103", True, 17 * GIGABYTE, 12 * GIGABYTE, 16 * GIGABYTE)]
+CARDS = [Card("First Card", "gfx1100", False, 9 * GIGABYTE + 1, 6 * GIGABYTE, 8 * GIGABYTE),
+         Card("Second Card", "gfx1103", True, 17 * GIGABYTE + 1, 12 * GIGABYTE, 16 * GIGABYTE)]
 
 
 @dataclasses.dataclass(frozen=True)

@@ -47,6 +47,10 @@ FAILURES = re.compile("|".join([
     r"Machine physical VRAM \.+ (9|17)\.00 GiB",  # one card of the lying runtime
 ]))
 
+# What a survey prints of a part that it could not read: its exit status is then not 0.
+INCOMPLETE = re.compile(f"{CPU_MESSAGE}|{MEMORY_MESSAGE}|Invalid hip device|Failed to set hip device|"
+                        "Failed to get memory info|Out of memory|threw an exception")
+
 
 @dataclasses.dataclass
 class Program:
@@ -91,7 +95,9 @@ def figures(line):
 
 
 def is_near(figure, right):
-    return figure == right or abs(figure - right) <= max(256 << 20, right / 2) and right > 1 << 20
+    """The free memory of a memory group moves a little, that of the machine by any amount."""
+    near = abs(figure - right) <= 256 << 20 and right > 1 << 20
+    return figure == right or near or min(figure, right) > 1 << 30
 
 
 def strange_lines(output, reference, failures=True):
@@ -121,6 +127,8 @@ def complaint(program, result, reference, lost_output=False, throws=False):
         return "" if allowed else f"ended by signal {-status}: {error.strip()}"
     if status not in program.statuses:
         return f"ended with the undocumented status {status}: {error.strip()}"
+    if program.name.startswith("survey") and status == 0 and INCOMPLETE.search(output):
+        return "ended with 0 although a part of the survey failed"
     strange = [] if lost_output else strange_lines(output, reference)
     if strange:
         return f"ended with {status} and printed {strange[0]!r}"

@@ -100,14 +100,20 @@ def strike(report, victim, outside, fault, occurrence):
                              f" {wrong}", again, environment)
 
 
+def errors_for(call, occurrence, quick):
+    """The quick attack takes one error of each kind that the library tells apart: an interruption, a
+    file that is absent, and another, in turn where it is not a file that is read."""
+    if not quick:
+        return trace.ALL_ERRORS
+    others = ["EIO"] if call in outcomes.READING else trace.OTHER_ERRORS
+    return ["EINTR", "ENOENT", others[occurrence % len(others)]]
+
+
 def faults_of(victim, quick):
-    """Each fault with the occurrence that it strikes. The quick attack takes two errors that the
-    library tells apart from the others, and one of the others in turn."""
+    """Each fault with the occurrence that it strikes."""
     for call, count in sorted(victim.most().items()):
         for occurrence in range(1, count + 1):
-            others = trace.OTHER_ERRORS[occurrence % len(trace.OTHER_ERRORS):][:1]
-            errors = ["EINTR", "ENOENT", *others] if quick else trace.ALL_ERRORS
-            for error in errors if call not in trace.LEFT_ALONE else []:
+            for error in errors_for(call, occurrence, quick) if call not in trace.LEFT_ALONE else []:
                 yield Fault(call, error), occurrence
 
 

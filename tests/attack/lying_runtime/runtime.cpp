@@ -29,9 +29,10 @@ struct Card {
   std::size_t total;
 };
 
+// The odd byte shows where a name is read beyond its end, into the amount that follows it.
 constexpr std::array<Card, 2> kCards = {
-    {{"First Card", "gfx1100", 0, 9 * kGigabyte, 6 * kGigabyte, 8 * kGigabyte},
-     {"Second Card", "gfx1103", 7, 17 * kGigabyte, 12 * kGigabyte, 16 * kGigabyte}}};
+    {{"First Card", "gfx1100", 0, 9 * kGigabyte + 1, 6 * kGigabyte, 8 * kGigabyte},
+     {"Second Card", "gfx1103", 7, 17 * kGigabyte + 1, 12 * kGigabyte, 16 * kGigabyte}}};
 
 thread_local int current_device = 0;
 
