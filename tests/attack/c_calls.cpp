@@ -104,21 +104,21 @@ Result Asked(Measure measure) {
   return answer;
 }
 
-auto SurveyCpu(int /*pid*/) {
+auto SurveyCpu(Pids /*pids*/) {
   return Asked<Survey>([](Survey& answer) {
     answer.cpu.struct_size = sizeof(kestrel_cpu);
     return kestrel_survey_cpu(&answer.cpu, &answer.result);
   });
 }
 
-auto SurveyGpus(int /*pid*/) {
+auto SurveyGpus(Pids /*pids*/) {
   return Asked<Survey>([](Survey& answer) {
     answer.gpus[0].struct_size = sizeof(kestrel_gpu);
     return kestrel_survey_gpus(answer.gpus.data(), kCapacity, &answer.count, &answer.result);
   });
 }
 
-auto SurveyHardware(int /*pid*/) {
+auto SurveyHardware(Pids /*pids*/) {
   return Asked<Survey>([](Survey& answer) {
     answer.gpus[0].struct_size = sizeof(kestrel_gpu);
     answer.cpu.struct_size = sizeof(kestrel_cpu);
@@ -127,35 +127,37 @@ auto SurveyHardware(int /*pid*/) {
   });
 }
 
-auto GpuMemory(int /*pid*/) {
+auto GpuMemory(Pids /*pids*/) {
   return Asked<Answer>([](Answer& answer) {
     return kestrel_gpu_memory(1, &answer.bytes, &answer.total, &answer.result);
   });
 }
 
-auto CpuUsage(int pid) {
-  return Asked<Percent>(
-      [=](Percent& answer) { return kestrel_cpu_usage(pid, 1, &answer.percent, &answer.result); });
+auto CpuUsage(Pids pids) {
+  return Asked<Percent>([=](Percent& answer) {
+    return kestrel_cpu_usage(pids.other, 1, &answer.percent, &answer.result);
+  });
 }
 
-auto ProcessRam(int pid) {
-  return Asked<Answer>(
-      [=](Answer& answer) { return kestrel_process_used_ram(pid, &answer.bytes, &answer.result); });
+auto ProcessRam(Pids pids) {
+  return Asked<Answer>([=](Answer& answer) {
+    return kestrel_process_used_ram(pids.other, &answer.bytes, &answer.result);
+  });
 }
 
 // The calls whose only output is a number of bytes.
 template <kestrel_status (*kCall)(std::uint64_t*, kestrel_result*)>
-Answer Bytes(int /*pid*/) {
+Answer Bytes(Pids /*pids*/) {
   return Asked<Answer>([](Answer& answer) { return kCall(&answer.bytes, &answer.result); });
 }
 
-auto FailsToAllocate(int /*pid*/) {
+auto FailsToAllocate(Pids /*pids*/) {
   return Asked<WillFail>([](WillFail& answer) {
     return kestrel_will_fail_to_allocate(kGigabyte, &answer.fails, &answer.result);
   });
 }
 
-auto ForecastMemory(int /*pid*/) {
+auto ForecastMemory(Pids /*pids*/) {
   return Asked<Forecast>([](Forecast& answer) {
     answer.forecast.struct_size = sizeof(kestrel_forecast);
     return kestrel_memory_forecast(kGigabyte, &answer.forecast, &answer.result);

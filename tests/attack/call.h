@@ -6,11 +6,17 @@
 
 namespace kestrel::tests {
 
+// What the meters of processes measure.
+struct Pids {
+  int other;  // a process that does nothing
+  int own;    // that of the call
+};
+
 // One call of an interface under attack. Making it and writing down what it returned are apart, so
 // that the fault strikes the call alone.
 struct Call {
   const char* name;
-  void (*make)(int pid);  // `pid`: the process that the meters of processes measure
+  void (*make)(Pids pids);
   std::string (*text)();  // what the call last returned
 };
 
@@ -21,9 +27,9 @@ class CallOf {
   static constexpr Call Named(const char* name) { return {name, Make, Text}; }
 
  private:
-  using Result = decltype(kMake(0));
+  using Result = decltype(kMake(Pids{}));
 
-  static void Make(int pid) { result = kMake(pid); }
+  static void Make(Pids pids) { result = kMake(pids); }
   static std::string Text() { return kText(*result); }
 
   static inline std::optional<Result> result;

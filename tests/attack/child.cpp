@@ -55,9 +55,9 @@ void Pad(const Plan& plan) {
   }
 }
 
-const char* Make(const Call& call, int pid) {
+const char* Make(const Call& call, Pids pids) {
   try {
-    call.make(pid);
+    call.make(pids);
     return nullptr;
   } catch (const std::bad_alloc&) {
     return "bad_alloc";
@@ -72,19 +72,20 @@ void Write(std::array<char, 16384>& field, const std::string& text) {
 
 // Makes the call as planned, then once more without a fault.
 void Attack(const Call& call, const Plan& plan, Report& report) {
+  const Pids pids{plan.pid, getpid()};
   if (plan.warm) {
-    Make(call, plan.pid);
+    Make(call, pids);
   }
   const int before = OpenDescriptors();
   Pad(plan);
   syscall(SYS_getppid);
   ArmAllocations(plan.allocations);
-  const char* const thrown = Make(call, plan.pid);
+  const char* const thrown = Make(call, pids);
   report.allocations = DisarmAllocations();
   syscall(SYS_getppid);
   report.leaked = OpenDescriptors() - before;
   Write(report.first, thrown != nullptr ? thrown : call.text());
-  const char* const thrown_again = Make(call, plan.pid);
+  const char* const thrown_again = Make(call, pids);
   Write(report.again, thrown_again != nullptr ? thrown_again : call.text());
 }
 

@@ -49,25 +49,27 @@ std::string HardwareText(const system::HardwareSurveyResult& survey) {
 
 std::string NamesText(const std::string& names) { return names; }
 
-std::string NamesOfAll(int /*pid*/) {
+std::string NamesOfAll(Pids /*pids*/) {
   using system::CpuInstructionSetExtension;
   return system::CpuInstructionSetExtensionsToStr({CpuInstructionSetExtension::AVX,
                                                    CpuInstructionSetExtension::AVX2,
                                                    CpuInstructionSetExtension::AdvSIMD});
 }
 
-auto SurveyCpu(int /*pid*/) { return system::SurveyCpu(); }
-auto SurveyGpus(int /*pid*/) { return system::SurveyGpus(); }
-auto SurveyHardware(int /*pid*/) { return system::SurveyHardware(); }
-auto CpuUsage(int pid) { return kestrel_utils::GetCpuUsage(pid, 1); }
-auto PhysicalRam(int /*pid*/) { return MemoryObserver::getMachinePhysicalRAM(); }
-auto AvailableRam(int /*pid*/) { return MemoryObserver().getAvailableRAM(); }
-auto UsedRam(int /*pid*/) { return MemoryObserver().getUsedRAM(); }
-auto ProcessRam(int pid) { return MemoryObserver::getProcessUsedRAM(pid); }
-auto PhysicalVram(int /*pid*/) { return MemoryObserver::getMachinePhysicalVRAM(); }
-auto AvailableVram(int /*pid*/) { return MemoryObserver().getAvailableVRAM(); }
+auto SurveyCpu(Pids /*pids*/) { return system::SurveyCpu(); }
+auto SurveyGpus(Pids /*pids*/) { return system::SurveyGpus(); }
+auto SurveyHardware(Pids /*pids*/) { return system::SurveyHardware(); }
+auto CpuUsage(Pids pids) { return kestrel_utils::GetCpuUsage(pids.other, 1); }
+auto PhysicalRam(Pids /*pids*/) { return MemoryObserver::getMachinePhysicalRAM(); }
+auto AvailableRam(Pids /*pids*/) { return MemoryObserver().getAvailableRAM(); }
+auto UsedRam(Pids /*pids*/) { return MemoryObserver().getUsedRAM(); }
+auto ProcessRam(Pids pids) { return MemoryObserver::getProcessUsedRAM(pids.other); }
+auto OwnCpuUsage(Pids pids) { return kestrel_utils::GetCpuUsage(pids.own, 1); }
+auto OwnRam(Pids pids) { return MemoryObserver::getProcessUsedRAM(pids.own); }
+auto PhysicalVram(Pids /*pids*/) { return MemoryObserver::getMachinePhysicalVRAM(); }
+auto AvailableVram(Pids /*pids*/) { return MemoryObserver().getAvailableVRAM(); }
 // More than the memory group of an attack allows, and less than the machine has.
-auto FailsToAllocate(int /*pid*/) { return MemoryObserver().willFailToAllocate(kGigabyte); }
+auto FailsToAllocate(Pids /*pids*/) { return MemoryObserver().willFailToAllocate(kGigabyte); }
 
 }  // namespace
 
@@ -82,6 +84,8 @@ std::vector<Call> Calls() {
       CallOf<AvailableRam, NumberText<long long>>::Named("getAvailableRAM"),
       CallOf<UsedRam, NumberText<long long>>::Named("getUsedRAM"),
       CallOf<ProcessRam, NumberText<long long>>::Named("getProcessUsedRAM"),
+      CallOf<OwnCpuUsage, NumberText<float>>::Named("GetCpuUsage of itself"),
+      CallOf<OwnRam, NumberText<long long>>::Named("getProcessUsedRAM of itself"),
       CallOf<PhysicalVram, NumberText<long long>>::Named("getMachinePhysicalVRAM"),
       CallOf<AvailableVram, NumberText<long long>>::Named("getAvailableVRAM"),
       CallOf<FailsToAllocate, NumberText<bool>>::Named("willFailToAllocate"),

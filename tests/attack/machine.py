@@ -45,11 +45,11 @@ class MemoryGroup:
         self.directory, self.reason = None, ""
         version_1 = (V1 / "memory.limit_in_bytes").exists()
         directory = (V1 if version_1 else V2) / f"kestrelcore-attack-{os.getpid()}"
-        limit = "memory.limit_in_bytes" if version_1 else "memory.max"
+        self.limit = "memory.limit_in_bytes" if version_1 else "memory.max"
         try:
             directory.mkdir()
             self.directory = directory
-            (directory / limit).write_text(str(GROUP_LIMIT))
+            (directory / self.limit).write_text(str(GROUP_LIMIT))
         except OSError as error:
             self.__exit__()
             self.reason = str(error)
@@ -67,8 +67,10 @@ class MemoryGroup:
         print(f"{self.directory} could not be removed", file=sys.stderr)
 
     def places(self):
-        """The places to run in, each as what comes before a command: outside, and in the group."""
-        inside = ["sh", "-c", 'echo $$ >"$0" && exec "$@"', str(self.directory) + "/cgroup.procs"]
+        """The places to run in, each as what comes before a command: outside, and in the group, which
+        this creates where a command is repeated by hand."""
+        inside = ["sh", "-c", f'mkdir -p "$0" && echo {GROUP_LIMIT} >"$0/{self.limit}" &&'
+                  ' echo $$ >"$0/cgroup.procs" && exec "$@"', str(self.directory)]
         return {"outside": [], **({"in a group": inside} if self.directory else {})}
 
 

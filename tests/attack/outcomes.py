@@ -42,6 +42,8 @@ FAILURES = {
     "getAvailableRAM": "0",
     "getUsedRAM": "0",
     "getProcessUsedRAM": "-1",
+    "GetCpuUsage of itself": r"-1\.000000",
+    "getProcessUsedRAM of itself": "-1",
     "getMachinePhysicalVRAM": r"\d+",  # the sum of the devices that could be read
     "getAvailableVRAM": "0",
     "willFailToAllocate": "0",
@@ -80,10 +82,11 @@ def is_near(call, figure, right, same_moment):
     amount while a program is built; only figures of one moment, or of a memory group, are compared."""
     if MEMORY_CALLS.fullmatch(call) and right > 1 << 30 and not same_moment:
         return figure > 1 << 30
-    margins = {"getProcessUsedRAM": 1 << 20, "kestrel_process_used_ram": 1 << 20, "GetCpuUsage": 0.5,
+    margins = {"getProcessUsedRAM of itself": 16 << 20, "GetCpuUsage of itself": 100,
+               "getProcessUsedRAM": 1 << 20, "kestrel_process_used_ram": 1 << 20, "GetCpuUsage": 0.5,
                "kestrel_cpu_usage": 0.5}
     margin = MOVING if MEMORY_CALLS.fullmatch(call) else margins.get(call, 0)
-    return abs(figure - right) <= margin
+    return abs(figure - right) <= margin and (figure < 0) == (right < 0)
 
 
 def agrees(call, result, right, same_moment=False):
