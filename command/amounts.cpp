@@ -111,11 +111,11 @@ std::optional<std::chrono::milliseconds> ParseInterval(std::string_view text) {
   if (unit == 0) {
     return std::nullopt;
   }
-  const auto milliseconds = Multiply(*decimal, unit);
-  if (!milliseconds || *milliseconds == 0 || *milliseconds > kDay) {
+  const std::uint64_t milliseconds = Multiply(*decimal, unit).value_or(0);
+  if (milliseconds == 0 || milliseconds > kDay) {
     return std::nullopt;
   }
-  return std::chrono::milliseconds(*milliseconds);
+  return std::chrono::milliseconds(milliseconds);
 }
 
 std::optional<std::uint64_t> ParseNumber(std::string_view text, std::uint64_t most) {

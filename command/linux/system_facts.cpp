@@ -27,8 +27,7 @@ constexpr const char* kVendorAmd = "0x1002";  // PCI vendor id
 std::vector<std::string> NamesIn(const fs::path& directory, const std::string& prefix) {
   std::vector<std::string> names;
   std::error_code error;
-  for (fs::directory_iterator entry(directory, error), end; !error && entry != end;
-       entry.increment(error)) {
+  for (fs::directory_iterator entry(directory, error), end; entry != end; entry.increment(error)) {
     const std::string name = entry->path().filename().string();
     if (name.compare(0, prefix.size(), prefix) == 0) {
       names.push_back(name);

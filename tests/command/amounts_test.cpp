@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -40,6 +41,13 @@ TEST(AmountsTest, SizesAreReadWithEveryUnit) {
   for (const auto& [text, bytes] : sizes) {
     EXPECT_EQ(ParseSize(text), bytes) << text;
   }
+}
+
+TEST(AmountsTest, OnlyTheTextItselfIsRead) {
+  const std::string_view text = "12.5K";
+  EXPECT_EQ(ParseSize(text.substr(0, 1)), 1U);
+  EXPECT_EQ(ParseSize(text.substr(0, 2)), 12U);
+  EXPECT_EQ(ParseSize(text.substr(0, 4)), 13U);
 }
 
 TEST(AmountsTest, PartOfAByteCountsAsAByte) {

@@ -11,6 +11,8 @@ namespace {
 TEST(ProcessorStateTest, AgreesWithTheCompilersRuntime) {
   const auto state = command::ReadProcessorState();
   EXPECT_EQ(command::CanUseAvx2(state), __builtin_cpu_supports("avx2") != 0);
+  const bool saved = (state.saved_registers.value_or(0) & 0x6U) == 0x6;
+  EXPECT_EQ(state.avx && saved, __builtin_cpu_supports("avx") != 0);
 }
 
 }  // namespace

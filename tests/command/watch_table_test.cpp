@@ -71,8 +71,32 @@ TEST(WatchTableTest, ScreenThatIsTooLowSaysHowMuchIsHidden) {
   const auto lines = FilledTable().Lines({80, 4});
   ASSERT_EQ(lines.size(), 4U);
   EXPECT_EQ(lines.back(), "... 3 more lines");
-  EXPECT_EQ(FilledTable().Lines({80, 1}).size(), 1U);
-  EXPECT_EQ(FilledTable().Lines({80, 6}).size(), 6U);
+  EXPECT_EQ(FilledTable().Lines({80, 2}),
+            (std::vector<std::string>{"kestrel watch", "... 5 more lines"}));
+  EXPECT_EQ(FilledTable().Lines({80, 1}), std::vector<std::string>{"kestrel watch"});
+  EXPECT_EQ(FilledTable().Lines({80, 6}), FilledTable().Lines({80, 24}));
+}
+
+TEST(WatchTableTest, HistoryIsAsLongAsAWideScreen) {
+  WatchTable table("", false);
+  for (int i = 0; i < 1100; ++i) {
+    table.Add(ExampleSample(50));
+  }
+  EXPECT_EQ(table.Lines({2000, 24})[1].size(), 36U + 1024U);
+}
+
+TEST(WatchTableTest, GraphBeginsWhereAColumnIsLeft) {
+  EXPECT_EQ(FilledTable().Lines({36, 24})[1], "available RAM             8.00 GiB");
+  EXPECT_EQ(FilledTable().Lines({37, 24})[1], "available RAM             8.00 GiB  =");
+}
+
+TEST(WatchTableTest, FigureAboveTheTotalFillsTheGraph) {
+  WatchTable table("", false);
+  Sample sample = ExampleSample(0.5F);
+  sample.available_bytes = 40 * kGiB;
+  table.Add(sample);
+  EXPECT_EQ(table.Lines({80, 24})[1], "available RAM            40.00 GiB  #");
+  EXPECT_EQ(table.Lines({80, 24})[4], "PID 4711           0.5 %  1.00 GiB  #");
 }
 
 TEST(WatchTableTest, BusyProcessWithTheWidestSizeKeepsItsGraph) {
@@ -90,6 +114,15 @@ TEST(WatchTableTest, LongFiguresKeepTheirDigits) {
   sample.processes[0].resident_bytes = 1023 * kGiB;
   table.Add(sample);
   EXPECT_EQ(table.Lines({80, 24})[4], "PID 2147483647 1234.5 %  1023.00 GiB");
+}
+
+TEST(WatchTableTest, FigureThatEndsNextToTheGraphHasNone) {
+  WatchTable table("", false);
+  Sample sample = ExampleSample(1234.5F);
+  sample.processes[0].pid = 214748364;
+  sample.processes[0].resident_bytes = 1023 * kGiB;
+  table.Add(sample);
+  EXPECT_EQ(table.Lines({80, 24})[4], "PID 214748364 1234.5 %  1023.00 GiB");
 }
 
 }  // namespace

@@ -2,12 +2,15 @@
 
 #include "command/system_facts.h"
 
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "tests/platform/linux/child_process.h"
 #include "tests/platform/linux/machine_tree.h"
@@ -17,6 +20,12 @@ namespace {
 
 namespace fs = std::filesystem;
 using command::FileState;
+
+void Require(bool condition, const char* what) {
+  if (!condition) {
+    throw std::runtime_error(what);
+  }
+}
 
 class SystemFactsTest : public testing::Test {
  protected:
@@ -118,6 +127,58 @@ TEST_F(SystemFactsTest, EveryRenderNodeIsOpened) {
   }
   EXPECT_EQ(files[1].path, "/dev/dri/renderD128");
   EXPECT_EQ(files[2].path, "/dev/dri/renderD129");
+}
+
+TEST_F(SystemFactsTest, LinuxHasDeviceFiles) { EXPECT_TRUE(command::HasDeviceFiles()); }
+
+TEST_F(SystemFactsTest, GroupMayUseAFileThatItMayBothReadAndWrite) {
+  tree_.Write("/dev/kfd", "");
+  const auto may_use = [this](mode_t mode) {
+    chmod((tree_.root() + "/dev/kfd").c_str(), mode);
+    return command::ReadDeviceFiles(tree_.root())[0].group_may_use;
+  };
+  EXPECT_TRUE(may_use(0660));
+  EXPECT_FALSE(may_use(0640));
+  EXPECT_FALSE(may_use(0620));
+  EXPECT_FALSE(may_use(0606));
+}
+
+TEST_F(SystemFactsTest, FileIsOpenedWhereStandardInputIsClosedAndClosedAgain) {
+  tree_.Write("/dev/kfd", "");
+  const int standard_input = dup(STDIN_FILENO);
+  close(STDIN_FILENO);
+  EXPECT_EQ(command::ReadDeviceFiles(tree_.root())[0].state, FileState::kUsable);
+  EXPECT_EQ(dup(standard_input), STDIN_FILENO);  // the lowest that is free
+  close(standard_input);
+}
+
+// Whether the process is in the group depends on all its groups. Other users than root cannot give
+// a file to a group that they are not in.
+TEST_F(SystemFactsTest, GroupsOfTheProcessAreItsOwnAndTheSupplementaryOnes) {
+  if (geteuid() != 0) {
+    tree_.Write("/dev/kfd", "");
+    EXPECT_TRUE(command::ReadDeviceFiles(tree_.root())[0].in_group);
+    return;
+  }
+  tree_.Write("/dev/kfd", "");
+  fs::permissions(tree_.root(), fs::perms::others_exec, fs::perm_options::add);
+  constexpr gid_t kUnnamed = 54321;
+  const auto in_group = [this](gid_t file, gid_t own, const std::vector<gid_t>& supplementary) {
+    Require(chown((tree_.root() + "/dev/kfd").c_str(), 0, file) == 0, "chown");
+    Require(setgroups(supplementary.size(), supplementary.data()) == 0, "setgroups");
+    Require(setegid(own) == 0, "setegid");
+    const auto read = command::ReadDeviceFiles(tree_.root())[0];
+    Require(setegid(0) == 0, "setegid back");
+    Require(read.group == (file == 0 ? "root" : std::to_string(file)), "another group");
+    return read.in_group;
+  };
+  const auto outcome = RunApart([&] {
+    Require(in_group(kUnnamed, kUnnamed, {}), "not in its own group");
+    Require(in_group(kUnnamed, 0, {1, kUnnamed, 2}), "not in a supplementary group");
+    Require(!in_group(kUnnamed, 0, {1, 2}), "in a group of others");
+    Require(!in_group(0, kUnnamed, {}), "in the group of root");
+  });
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
 // A directory cannot be opened for writing, whoever asks: so root sees a failure too.

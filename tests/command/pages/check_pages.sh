@@ -1,16 +1,35 @@
 #!/bin/bash
-# check_pages.sh FOLDER HARNESS: the man pages are as <page>.expected and without warnings, and each
-# shell completes by the file for it. HARNESS is the program, whose help has the same options as its
-# page.
+# check_pages.sh PAGES HARNESS: the man pages that the program PAGES writes are as <page>.expected and
+# without warnings, and each shell completes by the file for it. HARNESS is the program, whose help has
+# the same options as its page.
 set -u
 
-folder=$1
+pages=$1
 harness=$2
+folder=$(mktemp -d)
+socket=kestrel-zsh-$$
+trap 'tmux -L "$socket" kill-server 2>/dev/null; rm -r "$folder"' EXIT
 
 fail() {
   echo "$1" >&2
   exit 1
 }
+
+errors=$("$pages" 2>&1)
+status=$?
+[ "$status $errors" = "2 usage: kestrel-pages FOLDER" ] || fail "without a folder: $status $errors"
+errors=$("$pages" "$folder" more 2>&1)
+status=$?
+[ "$status $errors" = "2 usage: kestrel-pages FOLDER" ] || fail "with more: $status $errors"
+mkdir -p "$folder/half/kestrel.1"
+errors=$("$pages" "$folder/half" 2>&1)
+status=$?
+[ "$status $errors" = "1 kestrel-pages: '$folder/half/kestrel.1' could not be written" ] ||
+  fail "with a file that cannot be written: $status $errors"
+"$pages" "$folder" || fail "it ends with $?"
+[ "$(cd "$folder" && LC_ALL=C ls | tr '\n' ' ')" = "_kestrel _kestrel-harness half kestrel-harness.1 \
+kestrel-harness.bash kestrel-harness.fish kestrel.1 kestrel.bash kestrel.fish " ] ||
+  fail "other files: $(ls "$folder")"
 
 for program in kestrel kestrel-harness; do
   difference=$(sed 's/"kestrelcore [0-9.]*"/"kestrelcore VERSION"/' "$folder/$program.1" |
@@ -75,8 +94,6 @@ expect "$(timeout 60 zsh -n "$folder/_kestrel" 2>&1)" ""
 expect "$(timeout 60 zsh -n "$folder/_kestrel-harness" 2>&1)" ""
 
 # zsh completes in its line editor alone, so it is given a terminal.
-socket=kestrel-zsh-$$
-trap 'tmux -L "$socket" kill-server 2>/dev/null' EXIT
 tmux -L "$socket" -f /dev/null new-session -d -x 80 -y 24 zsh -f
 tmux -L "$socket" send-keys \
   "fpath=('$folder' \$fpath); autoload -Uz compinit; compinit -u -D; clear; echo ready" Enter

@@ -13,9 +13,9 @@ using command::FishCompletion;
 using command::ZshCompletion;
 
 TEST(BashCompletionTest, OffersSubcommandsTheirOptionsAndValues) {
-  EXPECT_EQ(BashCompletion(ExampleManual()), R"text(# bash completion of tool-box
+  EXPECT_EQ(BashCompletion(ExampleManual()), R"text(# bash completion of tool-zap
 
-_tool_box() {
+_tool_zap() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local words=
   [ "$current" = = ] && current=
@@ -40,7 +40,7 @@ _tool_box() {
   esac
   mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
 }
-complete -F _tool_box tool-box
+complete -F _tool_zap tool-zap
 )text");
 }
 
@@ -64,9 +64,9 @@ complete -F _plain plain
 }
 
 TEST(ZshCompletionTest, OffersSubcommandsTheirOptionsAndArguments) {
-  EXPECT_EQ(ZshCompletion(ExampleManual()), R"text(#compdef tool-box
+  EXPECT_EQ(ZshCompletion(ExampleManual()), R"text(#compdef tool-zap
 
-_tool_box() {
+_tool_zap() {
   local state
   local -a subcommands
   _arguments -C \
@@ -85,8 +85,8 @@ _tool_box() {
   fi
   case $words[1] in
   (open) _arguments \
-    '--level[It'\''s \[odd\]\: level]:LEVEL:(low high)' \
-    '-l[It'\''s \[odd\]\: level]:LEVEL:(low high)' \
+    '--level[\[X\]\: it'\''s its level]:LEVEL:(low high)' \
+    '-l[\[X\]\: it'\''s its level]:LEVEL:(low high)' \
     '--help[Print help]' \
     '-h[Print help]' \
     '1:FILE:_files' ;;
@@ -100,7 +100,7 @@ _tool_box() {
   esac
 }
 
-_tool_box "$@"
+_tool_zap "$@"
 )text");
 }
 
@@ -121,20 +121,20 @@ _plain "$@"
 }
 
 TEST(FishCompletionTest, OffersSubcommandsTheirOptionsAndArguments) {
-  EXPECT_EQ(FishCompletion(ExampleManual()), R"text(# fish completion of tool-box
+  EXPECT_EQ(FishCompletion(ExampleManual()), R"text(# fish completion of tool-zap
 
-complete -c tool-box -f
-complete -c tool-box -n __fish_use_subcommand -l help -s h -d 'Print help'
-complete -c tool-box -n __fish_use_subcommand -l version -d 'Print the version'
-complete -c tool-box -n __fish_use_subcommand -a open -d 'Open a tool\'s box'
-complete -c tool-box -n '__fish_seen_subcommand_from open' -l level -s l -x -a 'low high' -d 'It\'s [odd]: level'
-complete -c tool-box -n '__fish_seen_subcommand_from open' -l help -s h -d 'Print help'
-complete -c tool-box -n '__fish_seen_subcommand_from open' -F
-complete -c tool-box -n __fish_use_subcommand -a wait -d 'Wait for processes'
-complete -c tool-box -n '__fish_seen_subcommand_from wait' -l parent -s p -x -d 'Its parent'
-complete -c tool-box -n '__fish_seen_subcommand_from wait' -a '(__fish_complete_pids)'
-complete -c tool-box -n __fish_use_subcommand -a grow -d 'Grow'
-complete -c tool-box -n '__fish_seen_subcommand_from grow' -l time -x -d 'How long'
+complete -c tool-zap -f
+complete -c tool-zap -n __fish_use_subcommand -l help -s h -d 'Print help'
+complete -c tool-zap -n __fish_use_subcommand -l version -d 'Print the version'
+complete -c tool-zap -n __fish_use_subcommand -a open -d 'Open a tool\'s box'
+complete -c tool-zap -n '__fish_seen_subcommand_from open' -l level -s l -x -a 'low high' -d '[X]: it\'s its level'
+complete -c tool-zap -n '__fish_seen_subcommand_from open' -l help -s h -d 'Print help'
+complete -c tool-zap -n '__fish_seen_subcommand_from open' -F
+complete -c tool-zap -n __fish_use_subcommand -a wait -d 'Wait for processes'
+complete -c tool-zap -n '__fish_seen_subcommand_from wait' -l parent -s p -x -d 'Its parent'
+complete -c tool-zap -n '__fish_seen_subcommand_from wait' -a '(__fish_complete_pids)'
+complete -c tool-zap -n __fish_use_subcommand -a grow -d 'Grow'
+complete -c tool-zap -n '__fish_seen_subcommand_from grow' -l time -x -d 'How long'
 )text");
 }
 

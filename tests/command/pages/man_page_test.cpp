@@ -10,17 +10,19 @@ using command::ManPage;
 
 TEST(ManPageTest, ProgramWithSubcommandsHasEverySection) {
   EXPECT_EQ(ManPage(ExampleManual(), "1.2.3"),
-            R"(.TH TOOL\-BOX 1 "" "kestrelcore 1.2.3" "User Commands"
+            R"(.TH TOOL\-ZAP 1 "" "kestrelcore 1.2.3" "User Commands"
 .SH NAME
-tool\-box \- A tool's summary
+tool\-zap \- A tool's summary
 .SH SYNOPSIS
-\fBtool\-box\fP [\fIOPTIONS\fP] \fISUBCOMMAND\fP ...
+\fBtool\-zap\fP [\fIOPTIONS\fP] \fISUBCOMMAND\fP ...
 .SH DESCRIPTION
 Ends with a \e and an a\-b.
 .PP
 \&.second
 .PP
 \&'third'
+.PP
+X.
 .SH OPTIONS
 .TP
 \fB\-h\fP, \fB\-\-help\fP
@@ -29,18 +31,18 @@ Print help.
 \fB\-\-version\fP
 Print the version.
 .SH SUBCOMMANDS
-.SS tool\-box open [OPTIONS] [FILE]
+.SS tool\-zap open [OPTIONS] [FILE]
 Opens.
 .TP
 \fIFILE\fP
 The box.
 .TP
 \fB\-l\fP, \fB\-\-level\fP \fILEVEL\fP
-It's [odd]: level. One of \fBlow\fP, \fBhigh\fP. By default \fBlow\fP.
+[X]: it's its level. One of \fBlow\fP, \fBhigh\fP. By default \fBlow\fP.
 .TP
 \fB\-h\fP, \fB\-\-help\fP
 Print help.
-.SS tool\-box wait [OPTIONS] [PID...]
+.SS tool\-zap wait [OPTIONS] [PID...]
 Waits.
 .TP
 \fIPID\fP
@@ -48,7 +50,7 @@ The processes.
 .TP
 \fB\-p\fP, \fB\-\-parent\fP \fIPID\fP
 Its parent.
-.SS tool\-box grow [OPTIONS] SIZE
+.SS tool\-zap grow [OPTIONS] SIZE
 Grows.
 .TP
 \fISIZE\fP
@@ -65,13 +67,13 @@ Success.
 \&'Wrong' usage.
 .SH EXAMPLES
 .TP
-\fBtool\-box open a.box\fP
+\fBtool\-zap open a.box\fP
 Open it.
 .TP
-\fBtool\-box wait 1\fP
+\fBtool\-zap wait 1\fP
 Wait for it.
 .TP
-\fBtool\-box grow 1G\fP
+\fBtool\-zap grow 1G\fP
 Grow it.
 .SH SEE ALSO
 \fBother\fP(1)
