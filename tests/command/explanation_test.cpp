@@ -144,8 +144,8 @@ TEST(ExplanationTest, MachineWithoutRuntimeIsAdvisedToInstallOne) {
       SectionText(command::ExplainRuntime({})),
       "HIP runtime\n"
       "  none is used\n"
-      "  -> install a HIP runtime: AMD's ROCm or the package libamdhip64 of the distribution; "
-      "on Windows AMD's graphics driver\n");
+      "  -> install a HIP runtime: AMD's ROCm or the distribution's, such as Debian's package "
+      "libamdhip64-5; on Windows AMD's graphics driver\n");
 }
 
 TEST(ExplanationTest, RuntimeThatIsUsedNeedsNoAdvice) {
