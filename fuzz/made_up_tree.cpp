@@ -14,6 +14,7 @@ namespace kestrel::fuzz {
 namespace {
 
 constexpr std::size_t kLongestName = 255;  // NAME_MAX
+constexpr std::size_t kLongestPath = 1200;  // more than what is tested accepts
 constexpr std::size_t kMostFiles = 64;
 
 std::string MakeRoot() {
@@ -42,7 +43,7 @@ std::vector<std::string> NamesOf(const std::string& path) {
   for (const std::string& name : names) {
     const bool usable = !name.empty() && name != "." && name != ".." &&
                         name.size() <= kLongestName && name.find('\0') == std::string::npos;
-    if (!usable || path.size() > 900) {
+    if (!usable || path.size() > kLongestPath) {
       return {};
     }
   }
