@@ -67,6 +67,10 @@ def main() -> None:
     assert written() == text, "the same files give another text"
     result = checked(json.loads(text))
     assert result.returncode == 0, result.stderr
+    for name in ("sbom", "SHA256SUMS"):
+        (files / name).write_text("not listed", encoding="utf-8")
+    result = checked(json.loads(text))
+    assert result.returncode == 0, result.stderr
     parts = {part["name"]: part["versionInfo"] for part in json.loads(text)["packages"]}
     assert parts["toml++"] == "4.5-6" and parts[FILES[0]] == "1.2.3", parts
     for number, fault in enumerate(FAULTS):
