@@ -183,19 +183,17 @@ std::optional<std::string_view> PathBelow(std::string_view mount_root,
   return whole_name && !LeadsOutOf(group) ? std::optional(group) : std::nullopt;
 }
 
-// Sets the directory to that of the group below the mount point, or of its nearest ancestor whose
-// files have paths that fit, and opens the mount point. Returns false if no path fits or the mount
-// point cannot be opened; `failed` is set if it exists.
-bool Place(MemoryCgroup& group, std::string_view root, std::string_view escaped_mount_point,
-           std::string_view below, bool& failed) noexcept {
+// Opens the directory, which is that of the mount point, and sets it to that of the group below, or
+// of its nearest ancestor whose files have paths that fit. Returns false if no path fits or the
+// mount point cannot be opened; `failed` is set if it exists.
+bool Place(MemoryCgroup& group, std::string_view below, bool& failed) noexcept {
   constexpr std::size_t kLongestName = sizeof("/memory.memsw.limit_in_bytes");
   constexpr std::size_t kLongestDirectory = PathBuffer::kCapacity - kLongestName;
   PathBuffer& directory = group.directory;
-  if (!directory.Append(root) || !AppendUnescaped(directory, escaped_mount_point) ||
-      directory.view().size() > kLongestDirectory) {
+  group.top_length = directory.view().size();
+  if (group.top_length > kLongestDirectory) {
     return false;
   }
-  group.top_length = directory.view().size();
   group.top = FileDescriptor::OfDirectory(directory.c_str());
   if (!group.top.is_open()) {
     failed = failed || !MeansAbsent(errno);
@@ -231,8 +229,8 @@ std::optional<MemoryCgroup> FindAtUsualPlace(const OwnGroup& own, bool& failed) 
   MemoryCgroup group;
   group.version = own.version;
   group.top_is_root = true;
-  if (!IsInFirstNamespace() || !Place(group, "", point, own.path.view(), failed) ||
-      !IsTopOfHierarchy(group.top, own.version)) {
+  if (!IsInFirstNamespace() || !group.directory.Append(point) ||
+      !Place(group, own.path.view(), failed) || !IsTopOfHierarchy(group.top, own.version)) {
     return std::nullopt;
   }
   return group;
@@ -247,7 +245,8 @@ Rank PlaceByMount(MemoryCgroup& group, std::string_view root, const Mount& mount
   const bool ancestor_only = ShowsAncestorOnly(mount.root, path);
   const auto below =
       ancestor_only ? std::optional(std::string_view()) : PathBelow(mount.root, path);
-  if (!below || !Place(group, root, mount.point, *below, failed)) {
+  if (!below || !group.directory.Append(root) || !AppendUnescaped(group.directory, mount.point) ||
+      !Place(group, *below, failed)) {
     return 0;
   }
   return ancestor_only ? 1 : 2 + group.directory.view().size() - group.top_length;

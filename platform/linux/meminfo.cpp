@@ -1,6 +1,5 @@
 #include "platform/linux/meminfo.h"
 
-#include <algorithm>
 #include <limits>
 
 #include "platform/linux/text_file.h"
@@ -23,7 +22,9 @@ bool ParseFigure(std::string_view text, std::string_view name, std::uint64_t& by
 
 std::optional<std::uint64_t> ParseKibibytes(std::string_view text) noexcept {
   constexpr std::uint64_t kKibibyte = 1024;  // the kernel writes "kB" for it
-  text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) {
+    text.remove_prefix(1);
+  }
   const auto kibibytes = TakeNumber(text);
   if (!kibibytes || text != " kB" ||
       *kibibytes > std::numeric_limits<std::uint64_t>::max() / kKibibyte) {
