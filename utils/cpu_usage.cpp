@@ -1,5 +1,6 @@
 #include "utils/cpu_usage.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <optional>
@@ -31,10 +32,7 @@ struct Interval {
 };
 
 std::int64_t Deadline(std::int64_t now, int milliseconds) noexcept {
-  if (milliseconds <= 0) {
-    return now;
-  }
-  const std::int64_t nanoseconds = milliseconds * kNanosecondsPerMillisecond;
+  const std::int64_t nanoseconds = std::max(milliseconds, 0) * kNanosecondsPerMillisecond;
   constexpr std::int64_t kLatest = std::numeric_limits<std::int64_t>::max();
   return now > kLatest - nanoseconds ? kLatest : now + nanoseconds;
 }

@@ -239,6 +239,14 @@ TEST(MachineFileTest, ControlCharactersAreNotRepeated) {
             "m.toml:1:1: unknown key 'a\\x1b[31m\\x7f\\x9b\u00e9'");
 }
 
+TEST(MachineFileTest, ControlCharactersAreFoundAtEitherEndOfTheMessage) {
+  EXPECT_STREQ(MachineFileError("\xc2\x9b").what(), "\\x9b");
+  EXPECT_STREQ(MachineFileError("\xc2\x80 \xc2\x9f").what(), "\\x80 \\x9f");
+  EXPECT_STREQ(MachineFileError("\xc2\xa0").what(), "\xc2\xa0");
+  EXPECT_STREQ(MachineFileError("a \xc2").what(), "a \xc2");
+  EXPECT_STREQ(MachineFileError("\x1f \x7f~").what(), "\\x1f \\x7f~");
+}
+
 std::string ComplaintAboutFile(const std::string& path) {
   try {
     static_cast<void>(ReadMachineFile(path));

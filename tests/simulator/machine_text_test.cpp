@@ -76,6 +76,8 @@ TEST(MachineTextTest, NonAsciiInStringsAndCommentsHasNoProblem) {
 TEST(MachineTextTest, NonAsciiInStringsOfSeveralLinesIsAProblem) {
   EXPECT_EQ(ProblemOf("a = \"\"\"\n\\\n\xc9\x96\"\"\""), "3:1: " + kMultiLine);
   EXPECT_EQ(ProblemOf("a = '''\xc9\x96'''"), "1:8: " + kMultiLine);
+  EXPECT_EQ(ProblemOf("a = '''\x80'''"), "1:8: " + kMultiLine);
+  EXPECT_EQ(ProblemOf("a = '''\x7f'''"), "");
 }
 
 TEST(MachineTextTest, StringEndsAtItsClosingQuotes) {

@@ -361,6 +361,15 @@ TEST_F(CgroupLocationTest, UnreadableListOfGroupsFails) {
   EXPECT_EQ(Find(), "failed");
 }
 
+TEST_F(CgroupLocationTest, UnreadableListOfFirstThreadFailsThoughTheOtherIsRead) {
+  tree_.MakeUnreadable("/proc/self/cgroup");
+  tree_.WriteGroups("0::/a\n");
+  tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));
+  bool failed = false;
+  static_cast<void>(FindMemoryCgroup(tree_.root(), failed));
+  EXPECT_TRUE(failed);
+}
+
 TEST_F(CgroupLocationTest, UnreadableMountTableFails) {
   tree_.WriteGroups("0::/a\n");
   tree_.MakeUnreadable("/proc/thread-self/mountinfo");
