@@ -25,18 +25,6 @@ constexpr std::int64_t kMaxDevices = 1024;                  // in one entry
 constexpr std::size_t kMaxFileSize = std::size_t{1} << 20;  // bytes
 constexpr std::size_t kMaxTextLength = 256;                 // the field in the properties record
 
-// A complaint about a place in the file, whose name is not known there.
-class Refusal : public std::runtime_error {
- public:
-  Refusal(const toml::source_region& where, const std::string& complaint)
-      : std::runtime_error(std::to_string(where.begin.line) + ":" +
-                           std::to_string(where.begin.column) + ": " + complaint) {}
-};
-
-[[noreturn]] void Refuse(const toml::source_region& where, const std::string& complaint) {
-  throw Refusal(where, complaint);
-}
-
 // Replaces each control character, of ASCII or of the block U+0080 to U+009F, by its value.
 std::string WithoutControlCharacters(const std::string& text) {
   constexpr const char* kDigits = "0123456789abcdef";
@@ -53,6 +41,19 @@ std::string WithoutControlCharacters(const std::string& text) {
     printable += {'\\', 'x', kDigits[value >> 4U], kDigits[value & 0xfU]};
   }
   return printable;
+}
+
+// A complaint about a place in the file, whose name is not known there. what() would end at a NUL.
+class Refusal : public std::runtime_error {
+ public:
+  Refusal(const toml::source_region& where, const std::string& complaint)
+      : std::runtime_error(std::to_string(where.begin.line) + ":" +
+                           std::to_string(where.begin.column) + ": " +
+                           WithoutControlCharacters(complaint)) {}
+};
+
+[[noreturn]] void Refuse(const toml::source_region& where, const std::string& complaint) {
+  throw Refusal(where, complaint);
 }
 
 std::string Quoted(std::string_view text) { return "'" + std::string(text) + "'"; }

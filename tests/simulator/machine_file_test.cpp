@@ -234,6 +234,10 @@ TEST(MachineFileTest, KeyOfManyPartsIsRefused) {
   EXPECT_EQ(ComplaintAbout(key + " = 1\n"), "m.toml:1:34: too many dots in one line");
 }
 
+TEST(MachineFileTest, NulInKeyDoesNotEndTheComplaint) {
+  EXPECT_EQ(ComplaintAbout(R"("a\u0000b" = 1)"), "m.toml:1:1: unknown key 'a\\x00b'");
+}
+
 TEST(MachineFileTest, ControlCharactersAreNotRepeated) {
   EXPECT_EQ(ComplaintAbout("\"a\\u001b[31m\\u007f\\u009b\\u00e9\" = 1\n"),
             "m.toml:1:1: unknown key 'a\\x1b[31m\\x7f\\x9b\u00e9'");
