@@ -57,10 +57,8 @@ Subcommand Watch() {
       {"Samples the processor share and the resident memory of each process PID, the available "
        "RAM, and the free VRAM of each GPU. The share is in percent of all processors.",
        "On a terminal it draws a table with a graph for each line, until Ctrl-C. Elsewhere, and on "
-       "a "
-       "terminal that TERM calls dumb, it writes one line for each sample. It ends with the last "
-       "of "
-       "the processes."},
+       "a terminal that TERM calls dumb, it writes one line for each sample. It ends with the last "
+       "of the processes."},
       {{"PID", "", "PID", "The processes to watch; none watches the machine alone", {}, ""}},
       {{"--interval", "", "TIME", "The time between samples, such as 500ms, 1s or 2m", {}, "1s"},
        {"--count", "", "N", "End after N samples", {}, ""},
