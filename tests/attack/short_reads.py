@@ -66,7 +66,7 @@ def shorten(report, name, place, before, size):
 
 
 def shorten_program(report, program, place, before, size):
-    """Likewise a program: the figures are those of an undisturbed run."""
+    """The same for a program: the figures are those of an undisturbed run."""
     command = [*before, *program.command]
     expected, reference, _ = machine.run(command, env=machine.environment("simulated"))
     with Counted(report, size) as variables:

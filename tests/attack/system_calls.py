@@ -49,7 +49,7 @@ class Victim:
     name: str
     before: list
     lines: dict = dataclasses.field(default_factory=dict)   # by call of the interface
-    counts: dict = dataclasses.field(default_factory=dict)  # likewise, of each system call
+    counts: dict = dataclasses.field(default_factory=dict)  # also by call: of each system call
     own: collections.Counter = None    # what the probe's own process makes
     ahead: collections.Counter = None  # what a process makes before the call under attack
 
@@ -101,7 +101,7 @@ def strike(report, victim, outside, fault, occurrence):
 
 
 def errors_for(call, occurrence, quick):
-    """The quick attack takes one error of each kind that the library tells apart: an interruption, a
+    """The quick attack takes one error of each kind that the library distinguishes: an interruption, a
     file that is absent, and another, in turn where it is not a file that is read."""
     if not quick:
         return trace.ALL_ERRORS

@@ -1,7 +1,7 @@
 """The mutants of a C++ source: copies of it with one small change each.
 
 The same source always has the same mutants, in the same order. Two mutants with one key
-(file, text of the line, operator, old, new) are told apart by a number, so that the keys of
+(file, text of the line, operator, old, new) differ by a number, so that the keys of
 tests/mutation/survivors.txt hold when lines are added elsewhere in the file.
 """
 
