@@ -44,6 +44,8 @@ class Report:
             self.notes.append(text)
 
     def end(self):
+        if self.faults == 0:
+            self.add_wrong("no fault struck", [])
         for text in self.notes:
             print(f"attack {self.attack}: {text}")
         seconds = time.monotonic() - self.began
