@@ -4,6 +4,7 @@
 #include <new>
 #include <sstream>
 #include <stdexcept>
+#include <thread>
 
 namespace kestrel::tests {
 
@@ -60,6 +61,9 @@ void Throw(const Behaviour& behaviour) {
   }
   if (behaviour.thrown == "number") {
     throw 42;
+  }
+  if (behaviour.thrown == "in-thread") {
+    std::thread([] { throw std::runtime_error("thrown by a thread of the runtime"); }).join();
   }
 }
 

@@ -12,7 +12,8 @@ struct Behaviour {
   std::optional<int> device;  // "device=1": for this device alone
   std::optional<int> status;  // "status=4": it returns this status
   bool writes = false;        // "writes": after writing its outputs, with nonsense
-  std::string thrown;         // "throw=bad_alloc", "throw=number" or "throw=error"
+  std::string thrown;         // "throw=bad_alloc", "throw=number", "throw=error", or in a thread
+                              // of its own: "throw=in-thread"
   bool null_text = false;     // "null-text": hipGetErrorString returns null
   std::optional<int> count;   // "count=-1": so many devices
   bool unterminated = false;  // "unterminated": names without a terminating NUL
