@@ -27,17 +27,11 @@ namespace {
 constexpr std::uint64_t kTimeUnitsPerSecond = 10'000'000;  // of 100 ns
 constexpr std::uint64_t kNanosecondsPerTimeUnit = 100;
 
-bool IsOwn(int pid) noexcept { return pid == getpid(); }
-
 using ProcessPath = std::array<char, 32>;
 
 ProcessPath PathOf(int pid, const char* name) noexcept {
   ProcessPath path;
-  if (IsOwn(pid)) {
-    std::snprintf(path.data(), path.size(), "/proc/self/%s", name);
-  } else {
-    std::snprintf(path.data(), path.size(), "/proc/%d/%s", pid, name);
-  }
+  std::snprintf(path.data(), path.size(), "/proc/%d/%s", pid, name);
   return path;
 }
 
@@ -79,7 +73,8 @@ std::optional<std::uint64_t> ResidentPagesOfThread(int tasks, const char* thread
 // its other threads share its memory: the first thread with a figure above zero has the process's.
 // If all are zero, it is a zombie or a kernel thread, which have no memory.
 std::optional<std::uint64_t> ResidentPagesOfThreads(int pid) noexcept {
-  const FileDescriptor tasks(AT_FDCWD, PathOf(pid, "task").data());
+  const bool is_own = pid == getpid();
+  const FileDescriptor tasks(AT_FDCWD, is_own ? "/proc/self/task" : PathOf(pid, "task").data());
   alignas(dirent64) std::array<char, 1024> entries;
   ssize_t size = 0;
   while ((size = getdents64(tasks.get(), entries.data(), entries.size())) > 0) {
@@ -101,22 +96,23 @@ std::optional<std::uint64_t> ResidentPagesOfThreads(int pid) noexcept {
 // In a "/proc" of another process namespace the pids are not those that the system calls take. If
 // this process has the same pid in both, that is not detected: only NSpid in /proc/self/status
 // shows it, which would cost every call three system calls instead of one.
-bool ProcIsOfThisNamespace() noexcept {
+bool ProcIsOfThisNamespace(int own_pid) noexcept {
   std::array<char, 16> link;
   const ssize_t size = readlink("/proc/self", link.data(), link.size());
   std::string_view text(link.data(), size > 0 ? static_cast<std::size_t>(size) : 0);
-  return TakeNumber(text) == static_cast<std::uint64_t>(getpid());
+  return TakeNumber(text) == static_cast<std::uint64_t>(own_pid);
 }
 
 }  // namespace
 
 std::optional<Process> Process::Open(int pid, ProcessRights rights) noexcept {
-  const bool is_own = IsOwn(pid);
+  const int own_pid = getpid();
+  const bool is_own = pid == own_pid;
   if (is_own && rights == ProcessRights::kTimes) {
     return Process(pid, kNoHandle);
   }
-  FileDescriptor statm(AT_FDCWD, PathOf(pid, "statm").data());
-  if (!statm.is_open() || !(is_own || (IsProcess(pid) && ProcIsOfThisNamespace()))) {
+  FileDescriptor statm(AT_FDCWD, is_own ? "/proc/self/statm" : PathOf(pid, "statm").data());
+  if (!statm.is_open() || !(is_own || (IsProcess(pid) && ProcIsOfThisNamespace(own_pid)))) {
     return std::nullopt;
   }
   return Process(pid, statm.release());
