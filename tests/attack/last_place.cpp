@@ -55,7 +55,7 @@ void RecordLastPlace(PlaceText& place) {
   the_place = &place;
   void* frame = nullptr;
   backtrace(&frame, 1);  // loads what it needs
-  for (const int signal : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT}) {
+  for (const int signal : {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGALRM}) {
     std::signal(signal, OnSignal);
   }
 }

@@ -16,7 +16,7 @@ PROBES = {"C++": ATTACK / "attack_probe", "C": ATTACK / "attack_probe_c"}
 NO_MEMORY = ATTACK / "libattack_no_memory.so"
 SHORT_READS = ATTACK / "libattack_short_reads.so"
 START_MARKER = ATTACK / "libattack_start_marker.so"
-TIMEOUT = 120  # seconds; far more than any run takes
+TIMEOUT = 120  # seconds; far more than any single run takes
 
 GROUP_LIMIT = 512 << 20  # bytes; below the gigabyte whose allocation the probes forecast
 
@@ -86,13 +86,13 @@ class IdleProcess:
         self.process.wait()
 
 
-def run(command, **options):
+def run(command, timeout=TIMEOUT, **options):
     """Runs a command and returns its exit status (negative: the signal; None: it hung), standard
     output and standard error."""
     with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           stderr=subprocess.PIPE, start_new_session=True, **options) as process:
         try:
-            output, error = process.communicate(timeout=TIMEOUT)
+            output, error = process.communicate(timeout=timeout)
         except subprocess.TimeoutExpired:
             os.killpg(process.pid, signal.SIGKILL)
             process.communicate()

@@ -55,5 +55,6 @@ def run(probe, runtime, *arguments, before=(), **variables):
     probe itself did not end as it should."""
     command = [*before, str(machine.PROBES[probe]), *arguments]
     environment = machine.environment(runtime, **variables)
-    status, output, _ = machine.run(command, env=environment)
+    # Each of its calls has its own limit of time; they may be thousands.
+    status, output, _ = machine.run(command, timeout=None, env=environment)
     return command, environment, parse(output) if status == 0 else None
