@@ -17,9 +17,9 @@ LEFT_ALONE = {"close", "exit", "exit_group", "rt_sigreturn", "restart_syscall", 
 MARK = "getppid"  # the probes and the start marker call it, and nothing else does
 
 OTHER_ERRORS = ["EIO", "EMFILE", "ENOMEM", "EACCES", "EBADF", "ENOSYS", "ESRCH", "EINVAL"]
-# Numbers above 132 have no meaning in Linux; those of 512 and above are the kernel's own.
-ALL_ERRORS = sorted(set(errno.errorcode.values()) - {"EWOULDBLOCK", "EDEADLOCK", "ENOTSUP"},
-                    key=lambda name: getattr(errno, name))
+# Each number once. strace does not know the second names that Python prefers for two of them.
+ALL_ERRORS = [{"EDEADLOCK": "EDEADLK", "ENOTSUP": "EOPNOTSUPP"}.get(name, name)
+              for _, name in sorted(errno.errorcode.items())]
 
 STRACE = ["strace", "-f", "--seccomp-bpf", "-qqq", "-e", "signal=none"]
 
