@@ -1,5 +1,8 @@
 // The lookup of a process's memory group over made-up machines, against a second implementation.
-// The input describes a tree of files (made_up_tree.h).
+// The input describes a tree of files (made_up_tree.h). If it begins with an empty line, another
+// thread than the process's first looks.
+
+#include <thread>
 
 #include "fuzz/machine_reference.h"
 #include "fuzz/property.h"
@@ -9,10 +12,18 @@
 namespace kestrel::fuzz {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const MadeUpTree tree(TextOf(data, size));
+  const std::string description = TextOf(data, size);
+  const bool by_first_thread = description.substr(0, 1) != "\n";
+  const MadeUpTree tree(description);
   bool failed = false;
-  const auto group = platform::FindMemoryCgroup(tree.root(), failed);
-  const GroupLookup expected = GroupOf(tree);
+  std::optional<platform::MemoryCgroup> group;
+  const auto look = [&] { group = platform::FindMemoryCgroup(tree.root(), failed); };
+  if (by_first_thread) {
+    look();
+  } else {
+    std::thread(look).join();
+  }
+  const GroupLookup expected = GroupOf(tree, by_first_thread);
   if (group) {
     const std::string directory(group->directory.view());
     Require(directory.rfind(tree.root() + "/", 0) == 0, "the directory is below the root");

@@ -68,6 +68,12 @@ class Reader {
     return reading.exists;
   }
 
+  bool IsDirectory(const std::string& path) {
+    const auto reading = tree_.Read(path);
+    failed_ = failed_ || (reading.failed && !reading.exists);
+    return reading.exists && !reading.text;
+  }
+
   [[nodiscard]] const std::string& root() const { return tree_.root(); }
   [[nodiscard]] bool failed() const { return failed_; }
 
@@ -159,22 +165,22 @@ struct Place {
   std::size_t rank = 0;
 };
 
-Place PlaceBy(const Mount& mount, const OwnGroup& own, const std::string& root) {
+Place PlaceBy(const Mount& mount, const OwnGroup& own, Reader& reader) {
   Group group;
   group.is_v1 = own.is_v1;
-  group.directory = root + mount.point;
+  group.directory = reader.root() + mount.point;
   group.top_length = group.directory.size();
   if (group.top_length > kLongestDirectory) {
     return {};
   }
   if (!mount.root.empty() && IsStepsOutOnly(mount.root) && !LeadsOut(own.path)) {
-    return {group, 1};
+    return reader.IsDirectory(group.directory) ? Place{group, 1} : Place();
   }
   const std::string mount_root = Unescaped(mount.root);
   std::string below = own.path.substr(std::min(own.path.size(), mount_root.size()));
   const bool is_shown = BeginsWith(own.path, mount_root) && !LeadsOut(below) &&
                         (below.empty() || below.front() == '/');
-  if (!is_shown) {
+  if (!is_shown || !reader.IsDirectory(group.directory)) {
     return {};
   }
   while (group.top_length + below.size() > kLongestDirectory) {
@@ -195,9 +201,9 @@ bool IsGroup(Reader& reader, Group& group) {
   return reader.Exists(group.directory + "/cgroup.procs");
 }
 
-std::optional<Group> FindGroup(Reader& reader) {
+std::optional<Group> FindGroup(Reader& reader, bool by_first_thread) {
   auto own = GroupInFile(reader, "/proc/self/cgroup");
-  if (!own || own->path.empty()) {
+  if (!own || (own->path.empty() && !by_first_thread)) {
     own = GroupInFile(reader, "/proc/thread-self/cgroup");
   }
   Place best;
@@ -206,7 +212,7 @@ std::optional<Group> FindGroup(Reader& reader) {
   }
   for (const std::string& line : reader.Lines(reader.root() + "/proc/thread-self/mountinfo")) {
     const auto mount = MountOf(line, own->is_v1);
-    Place place = mount ? PlaceBy(*mount, *own, reader.root()) : Place();
+    Place place = mount ? PlaceBy(*mount, *own, reader) : Place();
     if (place.rank > best.rank && IsGroup(reader, *place.group)) {
       best = place;
     }
@@ -267,49 +273,66 @@ std::optional<std::uint64_t> Reclaimable(Reader& reader, const std::string& dire
   return Plus(Plus(*inactive, *active), slab.value_or(0) / 2);
 }
 
+// What a group may use and what it uses.
+struct Counter {
+  std::uint64_t limit;
+  std::uint64_t usage;
+
+  [[nodiscard]] std::uint64_t Room(std::uint64_t reclaimable) const {
+    return Minus(limit, Minus(usage, reclaimable));
+  }
+};
+
+std::optional<Counter> CounterOf(Reader& reader, const std::string& limit_file,
+                                 const std::string& usage_file) {
+  const auto limit = Limit(reader, limit_file);
+  const auto usage = limit ? reader.Number(usage_file) : std::nullopt;
+  return usage ? std::optional(Counter{*limit, *usage}) : std::nullopt;
+}
+
+// A file is read only where it can change the result; one that is not read cannot fail.
 void NarrowByV2(Reader& reader, const std::string& directory, bool with_swap, Room& room) {
-  if (const auto limit = Limit(reader, directory + "/memory.max")) {
-    const auto usage = reader.Number(directory + "/memory.current");
-    const auto reclaimable = usage ? Reclaimable(reader, directory, false) : std::nullopt;
-    if (reclaimable) {
-      room.physical = std::min(room.physical, Minus(*limit, Minus(*usage, *reclaimable)));
+  const auto memory = CounterOf(reader, directory + "/memory.max", directory + "/memory.current");
+  if (memory && memory->Room(0) < room.physical) {
+    if (const auto reclaimable = Reclaimable(reader, directory, false)) {
+      room.physical = std::min(room.physical, memory->Room(*reclaimable));
     }
   }
   if (!with_swap) {
     return;
   }
-  if (const auto limit = Limit(reader, directory + "/memory.swap.max")) {
-    if (const auto usage = reader.Number(directory + "/memory.swap.current")) {
-      room.swap = std::min(room.swap, Minus(*limit, *usage));
-    }
-  }
+  const auto swap =
+      CounterOf(reader, directory + "/memory.swap.max", directory + "/memory.swap.current");
+  room.swap = swap ? std::min(room.swap, swap->Room(0)) : room.swap;
   if (room.zswap_writeback) {
     room.zswap_writeback = reader.Number(directory + "/memory.zswap.writeback").value_or(1) != 0;
   }
 }
 
 void NarrowByV1(Reader& reader, const std::string& directory, bool is_own, Room& room) {
-  const auto limit = Limit(reader, directory + "/memory.limit_in_bytes");
-  if (!limit || (!is_own && reader.Number(directory + "/memory.use_hierarchy").value_or(1) == 0)) {
+  const auto memory =
+      CounterOf(reader, directory + "/memory.limit_in_bytes", directory + "/memory.usage_in_bytes");
+  if (!memory) {
     return;
   }
-  const auto usage = reader.Number(directory + "/memory.usage_in_bytes");
-  const auto reclaimable = usage ? Reclaimable(reader, directory, true) : std::nullopt;
-  if (!reclaimable) {
+  const auto both = CounterOf(reader, directory + "/memory.memsw.limit_in_bytes",
+                              directory + "/memory.memsw.usage_in_bytes");
+  if (memory->Room(0) >= room.physical && (!both || both->Room(0) >= room.memory_and_swap)) {
     return;
   }
-  room.physical = std::min(room.physical, Minus(*limit, Minus(*usage, *reclaimable)));
-  if (const auto both = Limit(reader, directory + "/memory.memsw.limit_in_bytes")) {
-    if (const auto used = reader.Number(directory + "/memory.memsw.usage_in_bytes")) {
-      room.memory_and_swap =
-          std::min(room.memory_and_swap, Minus(*both, Minus(*used, *reclaimable)));
-    }
+  if (!is_own && reader.Number(directory + "/memory.use_hierarchy").value_or(1) == 0) {
+    return;
+  }
+  if (const auto reclaimable = Reclaimable(reader, directory, true)) {
+    room.physical = std::min(room.physical, memory->Room(*reclaimable));
+    room.memory_and_swap =
+        both ? std::min(room.memory_and_swap, both->Room(*reclaimable)) : room.memory_and_swap;
   }
 }
 
 Room RoomOf(Reader& reader, bool with_swap) {
   Room room;
-  const auto group = FindGroup(reader);
+  const auto group = FindGroup(reader, true);
   if (!group) {
     return room;
   }
@@ -407,9 +430,9 @@ std::uint64_t ReserveOf(std::uint64_t user, std::uint64_t admin, const StatusFig
   return Plus(std::min(user, status.address_space >> 5U), status.has_sys_admin ? 0 : admin);
 }
 
-GroupLookup GroupOf(const MadeUpTree& tree) {
+GroupLookup GroupOf(const MadeUpTree& tree, bool by_first_thread) {
   Reader reader(tree);
-  const auto group = FindGroup(reader);
+  const auto group = FindGroup(reader, by_first_thread);
   return {group, reader.failed()};
 }
 

@@ -40,7 +40,7 @@ struct GroupLookup {
   std::optional<Group> group;
   bool failed = false;
 };
-GroupLookup GroupOf(const MadeUpTree& tree);
+GroupLookup GroupOf(const MadeUpTree& tree, bool by_first_thread);
 
 struct Status {
   std::uint64_t total = 0;
@@ -48,6 +48,7 @@ struct Status {
   std::uint64_t committable = 0;
   std::string group;  // the directory of the memory group that decides; empty if none does
 };
+// As the process's first thread reads it.
 std::optional<Status> StatusOf(const MadeUpTree& tree);
 
 }  // namespace kestrel::fuzz

@@ -13,7 +13,7 @@ namespace kestrel::fuzz {
 
 namespace {
 
-constexpr std::size_t kLongestName = 255;  // NAME_MAX
+constexpr std::size_t kLongestName = 255;   // NAME_MAX
 constexpr std::size_t kLongestPath = 1200;  // more than what is tested accepts
 constexpr std::size_t kMostFiles = 64;
 
@@ -129,8 +129,11 @@ void MadeUpTree::MakeDirectories(const Path& path, std::size_t count) {
 // As the kernel walks a path (path_resolution(7)).
 MadeUpTree::Reading MadeUpTree::Read(const std::string& path) const {
   Path current;
-  const std::string below = path.substr(root_.size(), path.find('\0') - root_.size());
-  for (const std::string& name : Split(below, '/')) {
+  if (path.find('\0') != std::string::npos) {
+    was_left_ = true;
+    return {};
+  }
+  for (const std::string& name : Split(path.substr(root_.size()), '/')) {
     const auto here = nodes_.find(current);
     const bool is_directory = current.empty() || (here != nodes_.end() && !here->second);
     if (!is_directory) {

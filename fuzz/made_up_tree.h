@@ -32,8 +32,8 @@ class MadeUpTree {
   };
   [[nodiscard]] Reading Read(const std::string& path) const;
 
-  // Whether a path left the tree through "..": then the machine that runs the test answers, and the
-  // reference has nothing to compare.
+  // Whether a path left the tree through "..", so that the machine that runs the test answers, or
+  // has a NUL, which the kernel never writes. Then there is nothing to compare.
   [[nodiscard]] bool was_left() const { return was_left_; }
 
  private:
