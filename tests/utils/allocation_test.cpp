@@ -1,67 +1,17 @@
-// No successful meter call allocates heap memory. The program replaces the C library's allocation
-// functions, also for the libraries that it loads, and counts their calls.
+// No successful meter call allocates heap memory.
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 
+#include "bench/allocation_count.h"
 #include "simulator/control.h"
 #include "tests/platform/host_process.h"
 #include "utils/cpu_usage.h"
 #include "utils/memory_observer.h"
-
-extern "C" {
-// The names under which glibc's allocator remains available.
-void* __libc_malloc(std::size_t size);                           // NOLINT
-void* __libc_calloc(std::size_t count, std::size_t size);        // NOLINT
-void* __libc_realloc(void* memory, std::size_t size);            // NOLINT
-void* __libc_memalign(std::size_t alignment, std::size_t size);  // NOLINT
-}
-
-namespace {
-
-thread_local bool counting = false;
-thread_local int allocations = 0;
-
-void Count() {
-  if (counting) {
-    ++allocations;
-  }
-}
-
-}  // namespace
-
-extern "C" {
-
-void* malloc(std::size_t size) {
-  Count();
-  return __libc_malloc(size);
-}
-
-void* calloc(std::size_t count, std::size_t size) {
-  Count();
-  return __libc_calloc(count, size);
-}
-
-void* realloc(void* memory, std::size_t size) {
-  Count();
-  return __libc_realloc(memory, size);
-}
-
-void* aligned_alloc(std::size_t alignment, std::size_t size) {
-  Count();
-  return __libc_memalign(alignment, size);
-}
-
-int posix_memalign(void** memory, std::size_t alignment, std::size_t size) {
-  Count();
-  *memory = __libc_memalign(alignment, size);
-  return *memory == nullptr ? 12 : 0;  // ENOMEM
-}
-
-}  // extern "C"
 
 namespace kestrel::tests {
 namespace {
@@ -74,11 +24,9 @@ using kestrel_utils::MemoryObserver;
 template <typename Action>
 int AllocationsOf(Action action) {
   action();
-  allocations = 0;
-  counting = true;
+  const std::uint64_t before = bench::AllocationCount();
   action();
-  counting = false;
-  return allocations;
+  return static_cast<int>(bench::AllocationCount() - before);
 }
 
 TEST(AllocationTest, AllocationsAreCounted) {
