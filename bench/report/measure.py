@@ -138,7 +138,7 @@ def machine():
         "processor": processors[0] if processors else platform.machine(),
         "processors": os.sysconf("SC_NPROCESSORS_ONLN"),
         "virtual": bool(is_virtual),
-        "kernel": platform.release(),
+        "kernel": platform.release().partition("-")[0],  # without the name of a build
         "libc": " ".join(platform.libc_ver()),
         "compiler": output_of("c++", "--version").partition("\n")[0],
         "revision": output_of("git", "describe", "--always", "--dirty", "--abbrev=10"),
