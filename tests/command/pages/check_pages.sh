@@ -27,9 +27,9 @@ status=$?
 [ "$status $errors" = "1 kestrel-pages: '$folder/half/kestrel.1' could not be written" ] ||
   fail "with a file that cannot be written: $status $errors"
 "$pages" "$folder" || fail "it ends with $?"
-[ "$(cd "$folder" && LC_ALL=C ls | tr '\n' ' ')" = "_kestrel _kestrel-harness half kestrel-harness.1 \
-kestrel-harness.bash kestrel-harness.fish kestrel.1 kestrel.bash kestrel.fish " ] ||
-  fail "other files: $(ls "$folder")"
+files=$(cd "$folder" && LC_ALL=C && echo *)
+[ "$files" = "_kestrel _kestrel-harness half kestrel-harness.1 kestrel-harness.bash \
+kestrel-harness.fish kestrel.1 kestrel.bash kestrel.fish" ] || fail "other files: $files"
 
 for program in kestrel kestrel-harness; do
   difference=$(sed 's/"kestrelcore [0-9.]*"/"kestrelcore VERSION"/' "$folder/$program.1" |
