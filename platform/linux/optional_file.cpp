@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 
@@ -13,8 +14,10 @@ namespace kestrel::platform {
 
 namespace {
 
+// With a slash left at its beginning, the path would be looked up from the root instead.
 const char* RelativeTo(int base, const PathBuffer& path) noexcept {
-  return base == AT_FDCWD ? path.c_str() : path.c_str() + 1;
+  const std::size_t slashes = std::min(path.view().find_first_not_of('/'), path.view().size());
+  return base == AT_FDCWD ? path.c_str() : path.c_str() + slashes;
 }
 
 }  // namespace

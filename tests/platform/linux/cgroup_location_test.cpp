@@ -57,6 +57,13 @@ TEST_F(CgroupLocationTest, GroupIsBelowMountPoint) {
             "v2 /sys/fs/cgroup|/a.slice/b.scope");
 }
 
+// "//a" without its first slash is an absolute path, which no directory is the base of.
+TEST_F(CgroupLocationTest, GroupThatBeginsWithSeveralSlashesIsBelowMountPoint) {
+  MakeGroup("/sys/fs/cgroup/a");
+  EXPECT_EQ(Find("0:://a\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|//a");
+  EXPECT_EQ(Find("0::///a\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|///a");
+}
+
 TEST_F(CgroupLocationTest, RootGroupIsMountPoint) {
   MakeGroup("/sys/fs/cgroup");
   EXPECT_EQ(Find("0::/\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|");
