@@ -3,11 +3,14 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include "simulator/machine_from_environment.h"
+
 namespace kestrel::tests {
 
 namespace {
 
 using simulator::Environment;
+using simulator::MachineFromEnvironment;
 using simulator::ReadEnvironment;
 
 class EnvironmentTest : public testing::Test {
@@ -39,6 +42,15 @@ TEST_F(EnvironmentTest, VariableThatIsNotSetDiffersFromAnEmptyOne) {
   EXPECT_FALSE(ReadEnvironment().hip_mask);
   setenv("ROCR_VISIBLE_DEVICES", "", 1);
   EXPECT_EQ(ReadEnvironment().rocr_mask, "");
+}
+
+TEST_F(EnvironmentTest, MachineIsThatOfTheFileThatIsNamed) {
+  EXPECT_TRUE(MachineFromEnvironment().faults.empty());
+  setenv("KESTREL_SIM_MACHINE", "missing.toml", 1);
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(MachineFromEnvironment().faults.empty());
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Simulated HIP runtime: missing.toml: cannot be read\n");
 }
 
 }  // namespace
