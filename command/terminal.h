@@ -33,7 +33,8 @@ void StopProcess();
 
 // As long as it exists, the control sequences are on, a request to stop (Ctrl-Z) is noted instead
 // of stopping the process, and what is written to standard error, by a GPU runtime for instance, is
-// kept back, so that it does not break the table. The destructor writes it. There is one at a time.
+// kept back, so that it does not break the table. The destructor writes it. Where no file
+// descriptor is left for that, it is not kept back. There is one at a time.
 class LiveTerminal {
  public:
   LiveTerminal();
@@ -42,6 +43,8 @@ class LiveTerminal {
   ~LiveTerminal();
 
  private:
+  void CloseFiles();
+
   int standard_error_ = -1;  // the file descriptor that it had
   int kept_back_ = -1;       // the file with what was written
   unsigned long mode_ = 0;   // that the console had

@@ -88,7 +88,9 @@ LiveTerminal::LiveTerminal() {
     kept_back_ = dup(fileno(file));
     std::fclose(file);
     standard_error_ = dup(STDERR_FILENO);
-    dup2(kept_back_, STDERR_FILENO);
+    if (kept_back_ < 0 || standard_error_ < 0 || dup2(kept_back_, STDERR_FILENO) < 0) {
+      CloseFiles();
+    }
   }
 }
 
@@ -104,8 +106,16 @@ LiveTerminal::~LiveTerminal() {
   while ((size = read(kept_back_, buffer.data(), buffer.size())) > 0 &&
          write(STDERR_FILENO, buffer.data(), static_cast<std::size_t>(size)) == size) {
   }
-  close(kept_back_);
-  close(standard_error_);
+  CloseFiles();
+}
+
+void LiveTerminal::CloseFiles() {
+  for (int* const file : {&kept_back_, &standard_error_}) {
+    if (*file >= 0) {
+      close(*file);
+    }
+    *file = -1;
+  }
 }
 
 }  // namespace kestrel::command

@@ -69,7 +69,9 @@ LiveTerminal::LiveTerminal() {
     kept_back_ = _dup(_fileno(file));
     std::fclose(file);
     standard_error_ = _dup(kStandardError);
-    _dup2(kept_back_, kStandardError);
+    if (kept_back_ < 0 || standard_error_ < 0 || _dup2(kept_back_, kStandardError) < 0) {
+      CloseFiles();
+    }
   }
 }
 
@@ -90,8 +92,16 @@ LiveTerminal::~LiveTerminal() {
   while ((size = _read(kept_back_, buffer.data(), static_cast<unsigned>(buffer.size()))) > 0 &&
          _write(kStandardError, buffer.data(), static_cast<unsigned>(size)) == size) {
   }
-  _close(kept_back_);
-  _close(standard_error_);
+  CloseFiles();
+}
+
+void LiveTerminal::CloseFiles() {
+  for (int* const file : {&kept_back_, &standard_error_}) {
+    if (*file >= 0) {
+      _close(*file);
+    }
+    *file = -1;
+  }
 }
 
 }  // namespace kestrel::command

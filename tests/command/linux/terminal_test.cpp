@@ -207,6 +207,22 @@ TEST(LiveTerminalTest, WhatIsWrittenToStandardErrorAppearsAfterwards) {
   });
 }
 
+TEST(LiveTerminalTest, WithoutDescriptorsStandardErrorStaysTheTerminal) {
+  for (const unsigned left : {0U, 1U}) {
+    ExpectApart([left] {
+      const PseudoTerminal terminal(STDERR_FILENO, 80, 24);
+      LeaveDescriptors(left);
+      {
+        const command::LiveTerminal live;
+        Require(isatty(STDERR_FILENO) == 1, "no longer the terminal");
+      }
+      Require(isatty(STDERR_FILENO) == 1, "no longer the terminal afterwards");
+      const int next = dup(STDOUT_FILENO);
+      Require((next >= 0) == (left == 1), "a descriptor is left open");
+    });
+  }
+}
+
 TEST(LiveTerminalTest, StandardErrorThatIsNoTerminalIsLeftAlone) {
   ExpectApart([] {
     const auto descriptors = OpenDescriptors();
