@@ -45,6 +45,7 @@ TEST(CommitReserveTest, StatusLinesGiveAddressSpaceAndCapability) {
   ParseStatusLine("CapEff:\t000001ffffdfffff", figures);
   EXPECT_FALSE(figures.has_sys_admin);
   ParseStatusLine("CapEff:\t0000000000200000", figures);
+  ParseStatusLine("CapBnd:\t0000000000000000", figures);
   EXPECT_TRUE(figures.has_sys_admin);
 }
 
