@@ -235,11 +235,13 @@ TEST_F(CgroupLocationTest, IncompleteEscapesAreKept) {
   MakeGroup("/a\\048");
   MakeGroup("/a\\091");
   MakeGroup("/a\\901");
+  MakeGroup("/a\\0/1");
   MakeGroup("/a\\x2db\\");
   EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\04")), "v2 /a\\04|");
   EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\048")), "v2 /a\\048|");
   EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\091")), "v2 /a\\091|");
   EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\901")), "v2 /a\\901|");
+  EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\0/1")), "v2 /a\\0/1|");
   EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\x2db\\")), "v2 /a\\x2db\\|");
 }
 
