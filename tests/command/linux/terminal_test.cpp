@@ -88,6 +88,18 @@ TEST(TerminalTest, SignalsToEndAreNoted) {
   }
 }
 
+TEST(TerminalTest, SecondSignalToEndIsNotCaught) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    ExpectApart([signal] {
+      command::CatchInterrupts();
+      raise(signal);
+      struct sigaction next {};
+      sigaction(signal, nullptr, &next);
+      Require(next.sa_handler == SIG_DFL, "caught");
+    });
+  }
+}
+
 TEST(TerminalTest, SignalsThatWereIgnoredStaySo) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     ExpectApart([signal] {
