@@ -22,8 +22,8 @@ TEST(MachineNameTest, EveryGenerationOf32BitX86HasItsCode) {
 }
 
 TEST(MachineNameTest, OtherNamesAreUnknown) {
-  for (const char* const machine :
-       {"", "i", "ia64", "ppc64le", "riscv64", "x86_64 ", "x86", "i86", "i6866", "j686", "ar", "Arm"}) {
+  for (const char* const machine : {"", "i", "ia64", "ppc64le", "riscv64", "x86_64 ", "x86", "i86",
+                                    "i6866", "j686", "ar", "Arm"}) {
     EXPECT_EQ(ArchitectureOfMachineName(machine), 0xFFFF) << machine;
   }
 }
