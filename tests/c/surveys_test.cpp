@@ -137,6 +137,7 @@ TEST_F(SurveysTest, TooFewRecordsFailWithTheCountThatIsNeededAndWriteNone) {
   gpus[0].device_id = 55;
   EXPECT_EQ(kestrel_survey_gpus(gpus.data(), gpus.size(), &count_, &result_),
             KESTREL_CAPACITY_TOO_SMALL);
+  EXPECT_STREQ(result_.message, "There are more GPUs than records");
   EXPECT_EQ(count_, 3U);
   EXPECT_EQ(gpus[0].device_id, 55);
 }

@@ -41,6 +41,8 @@ TEST_F(ExplainTest, EachStepIsWrittenByItself) {
   ASSERT_EQ(steps_.size(), titles.size());
   for (std::size_t i = 0; i < titles.size(); ++i) {
     EXPECT_EQ(steps_[i].find(titles[i] + "\n"), 0U) << steps_[i];
+    const bool blank_line_follows = i + 2 < titles.size();
+    EXPECT_EQ(steps_[i].substr(steps_[i].size() - 2) == "\n\n", blank_line_follows) << steps_[i];
   }
 }
 

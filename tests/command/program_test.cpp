@@ -39,6 +39,10 @@ TEST_F(ProgramTest, WrongCommandLineHasItsOwnStatus) {
   EXPECT_NE(outcome.error, "");
 }
 
+TEST_F(ProgramTest, EmptyCommandLineIsWrong) {
+  EXPECT_EQ(RunProgram({}).status, command::kWrongUsage);
+}
+
 TEST_F(ProgramTest, IncompleteSurveyIsReportedAndAFailure) {
   Platform().Fail("QueryMemoryLimit");
   const auto outcome = RunProgram({"survey"});

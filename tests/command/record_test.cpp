@@ -84,6 +84,7 @@ TEST_F(RecordTest, DeviceThatCannotBeSelectedIsAFaultWithoutFigures) {
   ASSERT_EQ(recorded.faults.size(), 1U);
   EXPECT_EQ(recorded.faults[0].operation, "hipSetDevice");
   EXPECT_EQ(recorded.devices[1].total_memory, 0U);
+  EXPECT_EQ(recorded.devices[1].free_memory, 0U);
 }
 
 TEST_F(RecordTest, MachineWithoutDeviceHasNoFault) {
@@ -117,6 +118,10 @@ TEST_F(RecordTest, DevicesBeyondTheMostThatAreRecordedAreCountedAndReported) {
   EXPECT_EQ(outcome.error,
             "kestrel record: the HIP runtime counts 1025 GPUs; only the first 1024 are recorded");
   EXPECT_NE(outcome.output, "");
+  const std::string path = testing::TempDir() + "kestrel-record-most-test.toml";
+  EXPECT_EQ(command::RunRecord({path}).status, command::kFailure);
+  EXPECT_EQ(command::RunRecord({path}).error, outcome.error);
+  std::remove(path.c_str());
 }
 
 TEST_F(RecordTest, AllOfTheMostDevicesAreRecorded) {

@@ -44,6 +44,11 @@ TEST(TextTest, EverySequenceUpToTheLastCodePointIsKept) {
   }
 }
 
+TEST(TextTest, SequenceThatTheTextCutsIsReplaced) {
+  const std::string_view text = "\xE2\x84\xA2";
+  EXPECT_EQ(PrintableText(text.substr(0, 2), "?"), "??");
+}
+
 TEST(TextTest, SequencesThatStandForNoCodePointAreReplaced) {
   for (const std::string text :
        {"\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF", "\xED\xA0\x80", "\xED\xBF\xBF",

@@ -13,6 +13,11 @@ errors=$("$kestrel" --help 2>&1 >/dev/full)
 [ "$errors" = "kestrel: the output could not be written: No space left on device" ] ||
   fail "a full disk gives: $errors"
 
+errors=$("$kestrel" record /dev/full 2>&1)
+[ $? -eq 74 ] || fail "a full disk gives kestrel record another status"
+[ "$errors" = "kestrel record: '/dev/full' could not be written: No space left on device" ] ||
+  fail "a full disk gives kestrel record: $errors"
+
 # The reader ends before the program begins to write.
 status=$({
   {
