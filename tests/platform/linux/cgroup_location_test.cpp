@@ -124,6 +124,7 @@ TEST_F(CgroupLocationTest, MountOfPartShowsItsRootAtMountPoint) {
 
 TEST_F(CgroupLocationTest, MountOfPartDoesNotShowGroupsOutside) {
   MakeGroup("/sys/fs/cgroup");
+  MakeGroup("/sys/fs/cgroupd");
   MakeGroup("/sys/fs/cgroup/docker");
   MakeGroup("/sys/fs/cgroup/docker/f00d");
   EXPECT_EQ(Find("0::/docker/f00d\n", MountV2("/docker/f00", "/sys/fs/cgroup")), "none");
@@ -141,6 +142,10 @@ TEST_F(CgroupLocationTest, PathsOutsideNamespaceMatchFromTheirCommonStart) {
 }
 
 TEST_F(CgroupLocationTest, GroupOutsideNamespaceIsNotInMountOfIt) {
+  MakeGroup("/sys");
+  MakeGroup("/sys/fs");
+  MakeGroup("/sys/fs/a");
+  MakeGroup("/sys/a");
   MakeGroup("/sys/fs/cgroup");
   MakeGroup("/sys/fs/cgroup/a");
   EXPECT_EQ(Find("0::/..\n", MountV2("/", "/sys/fs/cgroup")), "none");

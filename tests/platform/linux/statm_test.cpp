@@ -16,7 +16,7 @@ TEST(StatmTest, ResidentSetIsTheSecondNumber) {
 TEST(StatmTest, MalformedTextHasNoResidentSet) {
   for (const char* const text :
        {"", "\n", " ", " 1067 5", "1803", "1803 ", "1803\n1067", "x 1067", "1803 x", "1803  1067",
-        "-1 5", "1 -5", "1 18446744073709551616"}) {
+        "1803x1067 868", "-1 5", "1 -5", "1 18446744073709551616"}) {
     EXPECT_FALSE(ParseResidentPages(text)) << text;
   }
 }
