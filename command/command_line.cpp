@@ -156,7 +156,9 @@ Refusal Refuse(const CLI::App& app, std::string message) {
   if (chosen.empty()) {
     const auto unknown = app.remaining();
     if (!unknown.empty()) {
-      message = "'" + unknown.front() + "' is not a subcommand";
+      const bool is_option = unknown.front().rfind('-', 0) == 0;
+      message = "'" + unknown.front() + "' is " +
+                (is_option ? "neither an option nor a subcommand" : "not a subcommand");
     }
     return {app.get_name() + ": " + message + " (" + SubcommandNames() + "; see '" +
             app.get_name() + " --help')"};

@@ -110,6 +110,9 @@ TEST(CommandLineTest, RefusalSaysInOneLineWhatIsWrongAndWhatIsAllowed) {
   EXPECT_EQ(RefusalOf({"nope"}),
             "kestrel: 'nope' is not a subcommand (survey, fits, watch, explain, record; see "
             "'kestrel --help')");
+  EXPECT_EQ(RefusalOf({"--nope"}),
+            "kestrel: '--nope' is neither an option nor a subcommand (survey, fits, watch, "
+            "explain, record; see 'kestrel --help')");
   EXPECT_EQ(RefusalOf({"survey", "--format", "xml"}),
             "kestrel survey: --format: xml not in {text,json,prometheus,labels} (see 'kestrel "
             "survey --help')");
