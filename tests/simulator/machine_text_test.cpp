@@ -45,6 +45,10 @@ TEST(MachineTextTest, HeaderWithoutKeyIsAProblem) {
   EXPECT_EQ(ProblemOf("[["), "1:3: " + kNoKey);
 }
 
+TEST(MachineTextTest, HeaderMayFollowACommentOnTheLineBefore) {
+  EXPECT_EQ(ProblemOf("a = 1 # b\n[+x]"), "2:2: " + kNoKey);
+}
+
 TEST(MachineTextTest, HeaderMayBeginWithAnyCharacterOfAKey) {
   for (const char character : std::string("azAZ09_-")) {
     EXPECT_EQ(ProblemOf(std::string("[") + character + "]"), "") << character;
