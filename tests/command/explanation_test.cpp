@@ -214,7 +214,8 @@ TEST(ExplanationTest, ApuOfWhichHipCountsTheCarveOutIsExplained) {
 TEST(ExplanationTest, CardThatHipDoesNotShowIsNamed) {
   const std::string text = SectionText(
       command::ExplainCards(Seen({Apu(), DiscreteCard()}, {HipGpu(0, "Discrete", 8176 * kMiB)})));
-  EXPECT_TRUE(Contains(text, "50.00 MiB used\n    HIP does not show it\n")) << text;
+  EXPECT_TRUE(Contains(text, "50.00 MiB used\n    HIP does not show it\n  card0 (0000:03:00.0): "))
+      << text;
   EXPECT_TRUE(Contains(text,
                        "-> HIP does not show card1 (0000:04:00.0): see the steps above; if all is "
                        "well there, AMD's documentation lists the GPUs that each release "

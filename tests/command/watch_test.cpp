@@ -47,7 +47,10 @@ TEST_F(WatchTest, WithoutProcessesTheMachineIsWatched) {
 
 TEST_F(WatchTest, EndsWithTheProcess) {
   Platform().Fail("Process::Open", 4);  // it is opened twice for each sample
-  EXPECT_EQ(Watch(OneProcess(100)).status, command::kSuccess);
+  const auto outcome = Watch(OneProcess(100));
+  EXPECT_EQ(outcome.status, command::kSuccess);
+  EXPECT_EQ(outcome.output, "");
+  EXPECT_EQ(outcome.error, "");
   ASSERT_FALSE(lines_.empty());
   EXPECT_LT(lines_.size(), 100U);
   EXPECT_NE(lines_.front().find("\"running\":true"), std::string::npos);

@@ -21,10 +21,11 @@ status=$?
 errors=$("$pages" "$folder" more 2>&1)
 status=$?
 [ "$status $errors" = "2 usage: kestrel-pages FOLDER" ] || fail "with more: $status $errors"
-mkdir -p "$folder/half/kestrel.1"
+mkdir "$folder/half"
+ln -s /dev/full "$folder/half/kestrel-harness.fish"
 errors=$("$pages" "$folder/half" 2>&1)
 status=$?
-[ "$status $errors" = "1 kestrel-pages: '$folder/half/kestrel.1' could not be written" ] ||
+[ "$status $errors" = "1 kestrel-pages: '$folder/half/kestrel-harness.fish' could not be written" ] ||
   fail "with a file that cannot be written: $status $errors"
 "$pages" "$folder" || fail "it ends with $?"
 files=$(cd "$folder" && LC_ALL=C && echo *)

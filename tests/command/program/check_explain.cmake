@@ -22,6 +22,7 @@ foreach(
   "GPU_DEVICE_ORDINAL='2'"
   "-> HIP_VISIBLE_DEVICES may hide GPUs"
   "libamdhip64.so.7, already loaded: not loaded by this process"
+  "libamdhip64.so.5, already loaded: not loaded by this process"
   "used: ${RUNTIME}/libamdhip64.so"
   "HIP: device 0, AMD Radeon 780M, 4.00 GiB in total, 3.00 GiB free"
   "limited by ")
