@@ -114,6 +114,27 @@ TEST_F(HipRuntimeTest, NullOutputIsInvalid) {
   EXPECT_EQ(hipDriverGetVersion(nullptr), hipErrorInvalidValue);
 }
 
+TEST_F(HipRuntimeTest, FlagsOfTheStartMustBeZero) {
+  Install(MachineWith(1));
+  EXPECT_EQ(hipInit(0), hipSuccess);
+  EXPECT_EQ(hipInit(1), hipErrorInvalidValue);
+}
+
+TEST_F(HipRuntimeTest, AllocationsAreWholePagesApart) {
+  Install(MachineWith(1));
+  std::uintptr_t last = 0;
+  std::vector<std::uintptr_t> distances;
+  for (const std::size_t size : {1, 4095, 4096, 4097, 1}) {
+    void* memory = nullptr;
+    ASSERT_EQ(hipMalloc(&memory, size), hipSuccess);
+    const auto address = reinterpret_cast<std::uintptr_t>(memory);
+    distances.push_back(address - last);
+    last = address;
+  }
+  distances.erase(distances.begin());
+  EXPECT_EQ(distances, (std::vector<std::uintptr_t>{4096, 4096, 4096, 8192}));
+}
+
 TEST_F(HipRuntimeTest, VersionIsThatOfTheRelease) {
   for (const int release : {kHip5, kHip6, kHip7}) {
     Install({}, Recording::kOn, release);
