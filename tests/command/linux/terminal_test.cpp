@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <functional>
 #include <iterator>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -171,6 +172,9 @@ struct Locale {
   const char* lang;
   bool unicode;
 };
+
+// GoogleTest would print the bytes, and some of them are padding that is never set.
+void PrintTo(const Locale& locale, std::ostream* stream) { *stream << locale.name; }
 
 class ShowsUnicodeTest : public testing::TestWithParam<Locale> {};
 
