@@ -90,7 +90,7 @@ TEST(ExplanationTest, FileOfAGroupThatTheProcessIsNotInGivesTheCommand) {
 TEST(ExplanationTest, FileThatIsDeniedInSpiteOfTheGroupPointsToTheContainer) {
   const std::string text = SectionText(command::ExplainDeviceFiles(
       {{"/dev/kfd", FileState::kDenied, "Operation not permitted", "render", true, true}}, {}));
-  EXPECT_TRUE(Contains(text, "which this process is in")) << text;
+  EXPECT_TRUE(Contains(text, "; its group is 'render', which this process is in\n")) << text;
   EXPECT_TRUE(Contains(text,
                        "-> the permissions of /dev/kfd allow its use, so something else denies it: "
                        "in a container, start that with --device /dev/kfd\n"))
@@ -201,7 +201,8 @@ TEST(ExplanationTest, CarveOutIsExplainedForIntegratedGpusWithMoreMappableMemory
 TEST(ExplanationTest, ApuOfWhichHipCountsTheCarveOutIsExplained) {
   const std::string text =
       SectionText(command::ExplainCards(Seen({Apu()}, {HipGpu(0, "Integrated", 512 * kMiB)})));
-  EXPECT_TRUE(Contains(text, "HIP counts only the part of the RAM that the firmware set apart"));
+  EXPECT_TRUE(
+      Contains(text, "\n    HIP counts only the part of the RAM that the firmware set apart\n"));
   EXPECT_TRUE(Contains(text,
                        "-> for more memory on device 0, raise the graphics memory in the "
                        "firmware's settings\n"))

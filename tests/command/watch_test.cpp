@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -43,6 +44,19 @@ TEST_F(WatchTest, WithoutProcessesTheMachineIsWatched) {
   EXPECT_EQ(Watch(request).status, command::kSuccess);
   ASSERT_EQ(lines_.size(), 2U);
   EXPECT_NE(lines_[1].find("\"processes\":[]"), std::string::npos) << lines_[1];
+}
+
+TEST_F(WatchTest, SampleHasTheTimeOfItsEnd) {
+  const auto now = [] {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::system_clock::now().time_since_epoch())
+        .count();
+  };
+  const auto before = now();
+  Watch(OneProcess(1));
+  const auto time = std::stoll(lines_.at(0).substr(std::string("{\"time_ms\":").size()));
+  EXPECT_GE(time, before);
+  EXPECT_LE(time, now());
 }
 
 TEST_F(WatchTest, EndsWithTheProcess) {

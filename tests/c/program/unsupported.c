@@ -17,7 +17,9 @@ static void Expect(const char* what, int holds) {
 
 static void ExpectUnsupported(const char* call, kestrel_status status) {
   Expect(call, status == KESTREL_PROCESSOR_UNSUPPORTED && result.status == status &&
-                   strstr(result.message, "AVX2") != NULL);
+                   strcmp(result.message,
+                          "The processor lacks AVX2, or the operating system has "
+                          "not enabled it") == 0);
   result.status = KESTREL_OK;
 }
 
