@@ -138,6 +138,11 @@ TEST(MachineTextTest, ManyDotsInOneLineAreAProblem) {
   EXPECT_EQ(ProblemOf(dots + "\n" + dots), "");
   EXPECT_EQ(ProblemOf("'" + dots + dots + "' # " + dots), "");
   EXPECT_EQ(ProblemOf(dots + " 'a'."), "1:21: " + kManyDots);
+  EXPECT_EQ(ProblemOf(dots + ".."), "1:17: " + kManyDots);
+}
+
+TEST(MachineTextTest, StringOfOneLineEndsWithItsLine) {
+  EXPECT_EQ(ProblemOf("a = 'x\n\xc9\x96"), "2:1: " + kForeignCharacter);
 }
 
 TEST(MachineTextTest, UnfinishedStringHasNoProblem) {

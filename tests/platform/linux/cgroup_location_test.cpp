@@ -125,6 +125,7 @@ TEST_F(CgroupLocationTest, MountOfPartShowsItsRootAtMountPoint) {
 TEST_F(CgroupLocationTest, MountOfPartDoesNotShowGroupsOutside) {
   MakeGroup("/sys/fs/cgroup");
   MakeGroup("/sys/fs/cgroupd");
+  MakeGroup("/sys/fs/cgroup/d");
   MakeGroup("/sys/fs/cgroup/docker");
   MakeGroup("/sys/fs/cgroup/docker/f00d");
   EXPECT_EQ(Find("0::/docker/f00d\n", MountV2("/docker/f00", "/sys/fs/cgroup")), "none");
@@ -227,10 +228,12 @@ TEST_F(CgroupLocationTest, GroupNameMayContainColonsAndBlanks) {
 TEST_F(CgroupLocationTest, EscapesInMountTableAreDecoded) {
   MakeGroup("/my groups\tx\\y/a/x");
   MakeGroup("/groups /a/x");
+  MakeGroup("/x?/a/x");
   MakeGroup("/sys/fs/cgroup/c");
   EXPECT_EQ(Find("0::/a/x\n", MountV2("/", "/my\\040groups\\011x\\134y")),
             "v2 /my groups\tx\\y|/a/x");
   EXPECT_EQ(Find("0::/a/x\n", MountV2("/", "/groups\\040")), "v2 /groups |/a/x");
+  EXPECT_EQ(Find("0::/a/x\n", MountV2("/", "/\\170\\077")), "v2 /x?|/a/x");
   EXPECT_EQ(Find("0::/a\\x2db.slice/c\n", MountV2("/a\\134x2db.slice", "/sys/fs/cgroup")),
             "v2 /sys/fs/cgroup|/c");
 }
