@@ -23,7 +23,7 @@ foreach(
   "-> HIP_VISIBLE_DEVICES may hide GPUs"
   "libamdhip64.so.7, already loaded: not loaded by this process"
   "libamdhip64.so.5, already loaded: not loaded by this process"
-  "used: ${RUNTIME}/libamdhip64.so"
+  "(not loaded by this process|file too short)\n  used: ${RUNTIME}/libamdhip64.so"
   "HIP: device 0, AMD Radeon 780M, 4.00 GiB in total, 3.00 GiB free"
   "limited by ")
   if(NOT output MATCHES "${line}")

@@ -19,4 +19,5 @@ library=$2
 ends_with 70
 ends_with 70 survey
 ends_with 70 watch 1
+ends_with 2 fits
 ends_with 2 fits 1
