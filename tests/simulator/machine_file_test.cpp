@@ -6,6 +6,8 @@
 #include <fstream>
 #include <string>
 
+#include "tests/simulator/complaint_about_file.h"
+
 namespace kestrel::tests {
 
 namespace {
@@ -13,7 +15,6 @@ namespace {
 using simulator::Machine;
 using simulator::MachineFileError;
 using simulator::ParseMachine;
-using simulator::ReadMachineFile;
 
 // Returns the message about a text; empty if it is accepted.
 std::string ComplaintAbout(const std::string& text) {
@@ -249,15 +250,6 @@ TEST(MachineFileTest, ControlCharactersAreFoundAtEitherEndOfTheMessage) {
   EXPECT_STREQ(MachineFileError("\xc2\xa0").what(), "\xc2\xa0");
   EXPECT_STREQ(MachineFileError("a \xc2").what(), "a \xc2");
   EXPECT_STREQ(MachineFileError("\x1f \x7f~").what(), "\\x1f \\x7f~");
-}
-
-std::string ComplaintAboutFile(const std::string& path) {
-  try {
-    static_cast<void>(ReadMachineFile(path));
-    return "";
-  } catch (const MachineFileError& error) {
-    return error.what();
-  }
 }
 
 TEST(MachineFileTest, MissingFileIsRefused) {

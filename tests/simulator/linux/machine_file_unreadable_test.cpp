@@ -5,23 +5,11 @@
 #include <fstream>
 #include <string>
 
-#include "simulator/machine_file.h"
+#include "tests/simulator/complaint_about_file.h"
 
 namespace kestrel::tests {
 
 namespace {
-
-using simulator::MachineFileError;
-using simulator::ReadMachineFile;
-
-std::string ComplaintAboutFile(const std::string& path) {
-  try {
-    static_cast<void>(ReadMachineFile(path));
-    return "";
-  } catch (const MachineFileError& error) {
-    return error.what();
-  }
-}
 
 // Permissions do not stop root, but no process exceeds its number of open files.
 TEST(MachineFileUnreadableTest, FileThatCannotBeOpenedIsRefused) {
