@@ -5,17 +5,13 @@
 #include <cstdint>
 
 #include "bench/comparison.h"
+#include "tests/c/records.h"
 
 namespace kestrel::bench {
 
 namespace {
 
-template <typename Record>
-Record NewRecord() {
-  Record record{};
-  record.struct_size = sizeof(Record);
-  return record;
-}
+using tests::NewRecord;
 
 kestrel_result result = NewRecord<kestrel_result>();
 

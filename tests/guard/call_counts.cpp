@@ -17,6 +17,7 @@
 
 #include "bench/trace.h"
 #include "system/hardware_survey.h"
+#include "tests/c/records.h"
 #include "tests/guard/recorded_machine.h"
 #include "utils/cpu_usage.h"
 #include "utils/memory_observer.h"
@@ -28,13 +29,6 @@ using kestrel_utils::GetCpuUsage;
 using kestrel_utils::MemoryObserver;
 
 const MemoryObserver observer;
-
-template <typename Record>
-Record NewRecord() {
-  Record record{};
-  record.struct_size = sizeof(Record);
-  return record;
-}
 
 kestrel_result result = NewRecord<kestrel_result>();
 kestrel_cpu cpu = NewRecord<kestrel_cpu>();
