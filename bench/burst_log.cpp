@@ -76,6 +76,8 @@ int main(int count, char** arguments) {
     Burst(duty == 100 ? std::numeric_limits<std::int64_t>::max() : start + kPeriod / 100 * duty,
           log);
   }
+  // The signal may come after the end of a burst, and before the next one.
+  log.push_back(EdgeNow());
   for (const Edge& edge : log) {
     std::printf("%lld %lld\n", static_cast<long long>(edge.wall),
                 static_cast<long long>(edge.used));
