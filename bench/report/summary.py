@@ -71,6 +71,20 @@ def accuracy_ratio(accuracy):
     return own / other if own is not None and other else None
 
 
+def goal_values(data):
+    """The measured ratios by figure, that of the accuracy as "accuracy"; None if not measured."""
+    times = data["times"]
+    values = {figure: ratio(times[figure], "kestrelcore", reference) for figure, reference, _ in GOALS}
+    return values | {"accuracy": accuracy_ratio(data["accuracy"])}
+
+
+def missed_goals(data):
+    """The figures whose ratio is larger than their goal's."""
+    largest = {figure: most for figure, _, most in GOALS} | {"accuracy": ACCURACY_GOAL[3]}
+    values = goal_values(data)
+    return {figure for figure, value in values.items() if value is not None and value > largest[figure]}
+
+
 def shortest_interval(accuracy, points):
     """The shortest interval from which on every mean error of kestrelcore is within `points`."""
     within = None

@@ -23,6 +23,21 @@ def accuracy_of(errors_by_interval):
     ]
 
 
+def measured_with(ratios, accuracy_ratio):
+    """Times and errors whose ratios are these parts of their goals; of a figure not in `ratios`, all of it."""
+    times = {
+        figure: {"kestrelcore": [ratios.get(figure, 1) * most], reference: [1]}
+        for figure, reference, most in summary.GOALS
+    }
+    duty, interval, reference, most = summary.ACCURACY_GOAL
+    errors = {"kestrelcore": accuracy_ratio * most, reference: 1}
+    accuracy = [
+        {"duty": duty, "method": method, "interval": interval, "errors": [error]}
+        for method, error in errors.items()
+    ]
+    return {"times": times, "accuracy": accuracy}
+
+
 class SummaryTest(unittest.TestCase):
     def test_numbers_have_three_significant_digits_and_no_exponent(self):
         values = (0, 0.012345, 0.999, 9.996, 12.345, 1349.6, 1234567)
@@ -41,6 +56,16 @@ class SummaryTest(unittest.TestCase):
         self.assertEqual(summary.shortest_interval(accuracy, 5), 50)
         self.assertEqual(summary.shortest_interval(accuracy, 1), 100)
         self.assertIsNone(summary.shortest_interval(accuracy, 0.1))
+
+    def test_a_goal_is_missed_above_its_ratio(self):
+        self.assertEqual(summary.missed_goals(measured_with({}, 1)), set())
+        self.assertEqual(summary.missed_goals(measured_with({"SurveyCpu": 1.01}, 1)), {"SurveyCpu"})
+        self.assertEqual(summary.missed_goals(measured_with({}, 1.01)), {"accuracy"})
+
+    def test_a_goal_that_was_not_measured_is_not_missed(self):
+        data = measured_with({"GetCpuUsage, own process": 2}, 1)
+        del data["times"]["GetCpuUsage, own process"]["raw stat"]
+        self.assertEqual(summary.missed_goals(data), set())
 
     def test_files_of_memory_groups_are_counted(self):
         files = ["/proc/meminfo", "/sys/fs/cgroup/a/memory.max", "/sys/fs/cgroup/a/b/memory.max"]
@@ -88,6 +113,26 @@ class PageTest(unittest.TestCase):
         self.assertEqual(page.verdict(1.15, 1.15), "1.15 | met |")
         self.assertEqual(page.verdict(1.16, 1.15), "1.16 | **not met** |")
         self.assertEqual(page.verdict(None, 1.15), "not measured |  |")
+
+    def test_only_the_reasons_of_missed_goals_are_on_the_page(self):
+        text = page.reasons({"willFailToAllocate", "accuracy"})
+        self.assertIn("`getAvailableRAM` and `willFailToAllocate` also", text)
+        self.assertIn("250 Hz", text)
+        self.assertNotIn("libgtop", text)
+
+    def test_nothing_is_explained_if_no_goal_is_missed(self):
+        self.assertEqual(page.reasons(set()), "")
+
+    def test_every_reason_is_of_a_goal(self):
+        goals = {figure for figure, _, _ in summary.GOALS} | {"accuracy"}
+        for figures, _ in page.REASONS:
+            self.assertLessEqual(set(figures), goals)
+
+    def test_the_goal_of_the_accuracy_is_met_or_not_by_the_measured_ratio(self):
+        last = page.goals_table(measured_with({}, 0.8)).splitlines()[-1]
+        self.assertTrue(last.endswith("over about 50 ms | 0.5 times psutil | 0.400 | met |"), last)
+        last = page.goals_table(measured_with({}, 1.5)).splitlines()[-1]
+        self.assertTrue(last.endswith("| 0.750 | **not met** |"), last)
 
     def test_a_start_without_an_installed_runtime_is_left_out(self):
         programs = {"a C++ program": [1000], "linked": [3000]}
