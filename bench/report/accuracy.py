@@ -2,16 +2,16 @@
 
     accuracy.py BURST_LOG [SCALE]
 
-BURST_LOG is the program kestrelcore_burst_log. Prints a list in JSON: for each load, method and
-interval the errors in points, where 100 points are one processor. SCALE multiplies the number of
-measurements. The module kestrelcore must be importable. psutil is left out if it is not installed, and
-the task clock of perf if the system refuses it.
+BURST_LOG is the program kestrelcore_burst_log. Prints two lists as an object in JSON: "accuracy" over
+intervals of random lengths, and "accuracy_in_step" over those of intervals.IN_STEP. Both hold for each
+load, method and interval the errors in points, where 100 points are one processor. SCALE multiplies the
+number of measurements. The module kestrelcore must be importable. psutil is left out if it is not
+installed, and the task clock of perf if the system refuses it.
 """
 
 import ctypes
 import json
 import os
-import random
 import signal
 import struct
 import subprocess
@@ -20,6 +20,7 @@ import time
 
 import burst_log
 import kestrelcore
+from intervals import IN_STEP, OFF_STEP, plan
 
 try:
     import psutil
@@ -27,8 +28,6 @@ except ImportError:
     psutil = None
 
 DUTIES = (100, 37)  # percent of one processor
-MEASUREMENTS = {5: 60, 10: 60, 20: 60, 50: 50, 100: 20, 200: 10, 500: 5}  # by interval in milliseconds
-LONGEST_TICK = 0.01  # seconds, with a kernel of 100 Hz
 
 
 def ticks_of_stat(pid):
@@ -81,29 +80,22 @@ def available_methods():
     return methods
 
 
-def measure(process, scale):
-    """Measurements in random order, each from a random moment between two ticks."""
+def measure(process, intervals, scale):
+    """Method, interval, start and end in nanoseconds, and the percentage reported for one processor."""
     methods = available_methods()
-    plan = [
-        (method, interval)
-        for interval, count in MEASUREMENTS.items()
-        for method in methods
-        for _ in range(max(1, round(count * scale)))
-    ]
-    random.Random(1).shuffle(plan)
-    for method, interval in plan:
-        time.sleep(random.uniform(0, LONGEST_TICK))
+    for method, interval, pause, length in plan(intervals, methods, scale):
+        time.sleep(pause)
         start = time.monotonic_ns()
-        percent = methods[method](process, interval / 1000)
+        percent = methods[method](process, length / 1000)
         yield method, interval, start, time.monotonic_ns(), percent
 
 
-def errors_of_load(program, duty, scale):
+def errors_of_load(program, duty, intervals, scale):
     with subprocess.Popen([program, str(duty)], stdout=subprocess.PIPE, text=True) as child:
         try:
             while child.poll() is None and ticks_of_stat(child.pid) == 0:
                 time.sleep(0.01)
-            measured = list(measure(psutil.Process(child.pid) if psutil else child, scale))
+            measured = list(measure(psutil.Process(child.pid) if psutil else child, intervals, scale))
         finally:
             child.send_signal(signal.SIGTERM)
             log = burst_log.parse(child.communicate()[0])
@@ -111,14 +103,16 @@ def errors_of_load(program, duty, scale):
     for method, interval, start, end, percent in measured:
         errors.setdefault((method, interval), []).append(percent - burst_log.percent_used(log, start, end))
     return [
-        {"duty": duty, "method": method, "interval": interval, "errors": values}
-        for (method, interval), values in sorted(errors.items())
+        {"duty": duty, "method": method, "interval": at, "spread": intervals[at][0], "errors": values}
+        for (method, at), values in sorted(errors.items())
     ]
 
 
 def main():
     scale = float(sys.argv[2]) if len(sys.argv) > 2 else 1
-    json.dump([entry for duty in DUTIES for entry in errors_of_load(sys.argv[1], duty, scale)], sys.stdout)
+    off_step = [entry for duty in DUTIES for entry in errors_of_load(sys.argv[1], duty, OFF_STEP, scale)]
+    in_step = errors_of_load(sys.argv[1], 100, IN_STEP, scale)
+    json.dump({"accuracy": off_step, "accuracy_in_step": in_step}, sys.stdout)
 
 
 if __name__ == "__main__":

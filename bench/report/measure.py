@@ -158,7 +158,7 @@ def measure_all(say):
     result["devices"] = times_by_devices()
     say("accuracy of the CPU usage")
     command = [sys.executable, ROOT / "bench/report/accuracy.py", BUILD / "bench/kestrelcore_burst_log"]
-    result["accuracy"] = json.loads(run_with_environment(*command))
+    result |= json.loads(run_with_environment(*command))
     return result | {
         "counts": counts,
         "machine": machine(),

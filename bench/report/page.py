@@ -154,31 +154,32 @@ def start_table(programs):
     return "\n".join(rows)
 
 
-def errors_of(accuracy, duty, interval, method):
-    """The mean and the largest."""
-    errors = next(
-        entry["errors"]
-        for entry in accuracy
-        if (entry["duty"], entry["interval"], entry["method"]) == (duty, interval, method)
-    )
-    return f"{number(mean_error(accuracy, duty, interval, method))} ({number(max(map(abs, errors)))})"
+def mean_and_largest(errors):
+    sizes = [abs(error) for error in errors]
+    return f"{number(sum(sizes) / len(sizes))} ({number(max(sizes))})"
+
+
+def lengths_text(interval, spread):
+    return f"{interval - spread} to {interval + spread} ms" if spread else f"{interval} ms"
 
 
 def accuracy_table(accuracy, duty):
-    methods = [name for name in METHODS if mean_error(accuracy, duty, 50, name) is not None]
+    measured = [entry for entry in accuracy if entry["duty"] == duty]
+    methods = [name for name in METHODS if name in {entry["method"] for entry in measured}]
     rows = [row("interval", *methods), "|---" * (len(methods) + 1) + "|"]
-    for interval in sorted({entry["interval"] for entry in accuracy}):
-        cells = [errors_of(accuracy, duty, interval, name) for name in methods]
-        rows.append(row(f"{interval} ms", *cells))
+    for interval, spread in sorted({(entry["interval"], entry["spread"]) for entry in measured}):
+        errors = {entry["method"]: entry["errors"] for entry in measured if entry["interval"] == interval}
+        cells = [mean_and_largest(errors[name]) for name in methods]
+        rows.append(row(lengths_text(interval, spread), *cells))
     return "\n".join(rows)
 
 
 def advice(accuracy):
     intervals = [(points, shortest_interval(accuracy, points)) for points in (5, 2, 1)]
-    known = [f"{interval} ms for {points}" for points, interval in intervals if interval is not None]
+    known = [f"within {points} from about {at} ms on" for points, at in intervals if at is not None]
     if not known:
-        return "No interval measured here keeps the mean error within 5 points."
-    return f"The shortest intervals whose mean error stayed within so many points: {', '.join(known)}."
+        return "No interval measured here keeps the mean error of `GetCpuUsage` within 5 points."
+    return f"The mean error of `GetCpuUsage` in points stays {', '.join(known)}."
 
 
 def machine_text(machine):
@@ -213,6 +214,7 @@ def page(template, data, folder):
         processors=machine["processors"],
         accuracy_busy=accuracy_table(data["accuracy"], 100),
         accuracy_bursts=accuracy_table(data["accuracy"], 37),
+        accuracy_in_step=accuracy_table(data["accuracy_in_step"], 100),
         advice=advice(data["accuracy"]),
         repetitions=len(data["times"]["SurveyCpu"]["kestrelcore"]),
         duration=data["seconds"],

@@ -10,6 +10,7 @@ sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "bench/report"))
 
 import burst_log  # noqa: E402
 import charts  # noqa: E402
+import intervals  # noqa: E402
 import measure  # noqa: E402
 import page  # noqa: E402
 import summary  # noqa: E402
@@ -17,7 +18,7 @@ import summary  # noqa: E402
 
 def accuracy_of(errors_by_interval):
     return [
-        {"duty": duty, "method": "kestrelcore", "interval": interval, "errors": errors}
+        {"duty": duty, "method": "kestrelcore", "interval": interval, "spread": 1, "errors": errors}
         for duty in (100, 37)
         for interval, errors in errors_by_interval.items()
     ]
@@ -32,7 +33,7 @@ def measured_with(ratios, accuracy_ratio):
     duty, interval, reference, most = summary.ACCURACY_GOAL
     errors = {"kestrelcore": accuracy_ratio * most, reference: 1}
     accuracy = [
-        {"duty": duty, "method": method, "interval": interval, "errors": [error]}
+        {"duty": duty, "method": method, "interval": interval, "spread": 10, "errors": [error]}
         for method, error in errors.items()
     ]
     return {"times": times, "accuracy": accuracy}
@@ -90,6 +91,45 @@ class BurstLogTest(unittest.TestCase):
                 burst_log.percent_used(self.LOG, start, end)
 
 
+class IntervalsTest(unittest.TestCase):
+    PLAN = intervals.plan(intervals.OFF_STEP, ("a", "b"), 1)
+
+    def lengths(self, interval):
+        return {length for _, at, _, length in self.PLAN if at == interval}
+
+    def test_every_method_is_measured_over_the_same_lengths_after_the_same_pauses(self):
+        of_method = {name: [rest for method, *rest in self.PLAN if method == name] for name in ("a", "b")}
+        self.assertEqual(sorted(of_method["a"]), sorted(of_method["b"]))
+
+    def test_every_run_has_the_same_plan(self):
+        self.assertEqual(self.PLAN, intervals.plan(intervals.OFF_STEP, ("a", "b"), 1))
+
+    def test_lengths_stay_within_their_range(self):
+        for interval, (spread, _) in intervals.OFF_STEP.items():
+            for length in self.lengths(interval):
+                self.assertLessEqual(abs(length - interval), spread)
+
+    def test_lengths_meet_every_part_of_a_step_of_10_ms_and_of_4_ms(self):
+        for interval in (10, 20, 50, 100):
+            for step in (10, 4):
+                parts = {length % step for length in self.lengths(interval)}
+                self.assertEqual(parts, set(range(step)), f"{interval} ms in steps of {step} ms")
+
+    def test_pauses_last_up_to_the_longest_tick(self):
+        pauses = [pause for _, _, pause, _ in self.PLAN]
+        self.assertLess(min(pauses), intervals.LONGEST_TICK / 10)
+        self.assertGreater(max(pauses), intervals.LONGEST_TICK * 9 / 10)
+        self.assertLessEqual(max(pauses), intervals.LONGEST_TICK)
+
+    def test_lengths_in_step_are_the_intervals_themselves(self):
+        planned = intervals.plan(intervals.IN_STEP, ("a",), 1)
+        self.assertTrue(all(length == interval for _, interval, _, length in planned))
+
+    def test_a_small_scale_leaves_one_measurement_of_each_interval(self):
+        planned = intervals.plan(intervals.OFF_STEP, ("a",), 0.001)
+        self.assertEqual(sorted(interval for _, interval, _, _ in planned), sorted(intervals.OFF_STEP))
+
+
 class MeasureTest(unittest.TestCase):
     def test_counts_are_by_figure_and_way(self):
         counts = measure.parse_counts("SurveyCpu/limit\t1\t0\nSurveyCpu/hwloc\t9\t3\t/a\t/b\n")
@@ -133,6 +173,36 @@ class PageTest(unittest.TestCase):
         self.assertTrue(last.endswith("over about 50 ms | 0.5 times psutil | 0.400 | met |"), last)
         last = page.goals_table(measured_with({}, 1.5)).splitlines()[-1]
         self.assertTrue(last.endswith("| 0.750 | **not met** |"), last)
+
+    def test_the_table_of_the_accuracy_names_ranges_and_methods_in_the_order_of_the_chart(self):
+        def entry(duty, method, interval, spread, *errors):
+            keys = ("duty", "method", "interval", "spread", "errors")
+            return dict(zip(keys, (duty, method, interval, spread, errors)))
+
+        accuracy = [
+            entry(100, "psutil", 50, 10, 8, -4),
+            entry(100, "kestrelcore", 50, 10, -1, 3),
+            entry(100, "kestrelcore", 5, 0, 9),
+            entry(100, "psutil", 5, 0, -90),
+            entry(37, "raw stat", 50, 10, 7),
+        ]
+        self.assertEqual(
+            page.accuracy_table(accuracy, 100).splitlines(),
+            [
+                "| interval | kestrelcore | psutil |",
+                "|---|---|---|",
+                "| 5 ms | 9.00 (9.00) | 90.0 (90.0) |",
+                "| 40 to 60 ms | 2.00 (3.00) | 6.00 (8.00) |",
+            ],
+        )
+
+    def test_the_advice_names_the_shortest_interval_for_each_error(self):
+        advice = page.advice(accuracy_of({10: [20], 20: [4], 100: [1.5]}))
+        self.assertIn("within 5 from about 20 ms on, within 2 from about 100 ms on.", advice)
+        self.assertNotIn("within 1", advice)
+
+    def test_no_interval_is_advised_if_every_mean_error_is_large(self):
+        self.assertIn("No interval", page.advice(accuracy_of({10: [20], 100: [6]})))
 
     def test_a_start_without_an_installed_runtime_is_left_out(self):
         programs = {"a C++ program": [1000], "linked": [3000]}
