@@ -13,11 +13,11 @@ namespace kestrel_utils {
 /// and measures over the few microseconds between its two samples.
 ///
 /// Ask for 100 ms or more. The recorded processor time of all threads but the caller's advances in
-/// steps: the kernel's ticks on Linux (4 ms at 250 Hz), by default 15.6 ms on Windows. Measured on
-/// Linux 6.18 at 250 Hz, for a process that kept one of two processors busy (50 percent): with
-/// intervals of 100 ms, nine of ten readings were between 48 and 51; with 10 ms, between 39 and 60.
-/// With 1 ms, 70 percent of the readings were 0 and the largest was 206; without sleep, 99.9
-/// percent were 0 and the largest was 126,498.
+/// steps: the kernel's ticks on Linux (4 ms at 250 Hz), by default 15.6 ms on Windows. A reading is
+/// off by up to one step for each thread that runs without a pause. With one of two processors busy
+/// (50 percent) and steps of 4 ms, it is between 48 and 52 over 100 ms, and between 30 and 70 over
+/// 10 ms. Measured over 1 ms, 70 percent of the readings were 0 and the largest was 206; without
+/// sleep, 99.9 percent were 0 and the largest was 126,498.
 ///
 /// Returns -1.0 and reports it in one line (see "Diagnostics" in utils/memory_observer.h) if `pid`
 /// is below 1, if the process cannot be opened, if one of the two samples fails, or if no
