@@ -58,7 +58,7 @@ def run_without_memory(program, first):
     """Runs a program in which allocations fail. Returns its environment and what machine.run returns, and
     how many allocations there were, if it came to its end."""
     with tempfile.NamedTemporaryFile("r") as count:
-        environment = machine.environment("simulated", LD_PRELOAD=str(machine.NO_MEMORY),
+        environment = machine.environment("simulated", [machine.NO_MEMORY],
                                           ATTACK_NO_MEMORY=first, ATTACK_NO_MEMORY_COUNT=count.name)
         result = machine.run(program.command, env=environment)
         return environment, result, int(count.read() or 0)

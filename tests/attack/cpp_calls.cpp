@@ -14,7 +14,7 @@ namespace {
 
 using kestrel_utils::MemoryObserver;
 
-constexpr long long kGigabyte = 1LL << 30;
+constexpr long long kSize = 3LL << 29;
 
 template <typename Number>
 std::string NumberText(Number number) {
@@ -69,7 +69,7 @@ auto OwnRam(Pids pids) { return MemoryObserver::getProcessUsedRAM(pids.own); }
 auto PhysicalVram(Pids /*pids*/) { return MemoryObserver::getMachinePhysicalVRAM(); }
 auto AvailableVram(Pids /*pids*/) { return MemoryObserver().getAvailableVRAM(); }
 // More than the memory group of an attack allows, and less than the machine has.
-auto FailsToAllocate(Pids /*pids*/) { return MemoryObserver().willFailToAllocate(kGigabyte); }
+auto FailsToAllocate(Pids /*pids*/) { return MemoryObserver().willFailToAllocate(kSize); }
 
 }  // namespace
 

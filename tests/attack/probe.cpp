@@ -62,27 +62,19 @@ Options Parse(int argc, char** argv) {
   return options;
 }
 
-// A process that has some memory and sleeps until it is killed: its figures do not move.
+// A process that has some memory and is stopped: its figures do not move.
 class IdleProcess {
  public:
-  IdleProcess() {
-    int ready[2];
-    if (pipe(ready) != 0 || (pid_ = fork()) < 0) {
-      throw std::system_error(errno, std::generic_category(), "fork");
-    }
+  IdleProcess() : pid_(fork()) {
     if (pid_ == 0) {
       prctl(PR_SET_PDEATHSIG, SIGKILL);
       const std::vector<char> memory(kMemory, 'x');
-      close(ready[1]);
-      for (;;) {
-        pause();
-      }
+      raise(SIGSTOP);
+      _exit(1);  // never: it is killed
     }
-    close(ready[1]);
-    char byte = 0;
-    while (read(ready[0], &byte, 1) < 0 && errno == EINTR) {  // until the child has its memory
+    if (pid_ < 0 || waitpid(pid_, nullptr, WUNTRACED) != pid_) {
+      throw std::system_error(errno, std::generic_category(), "idle process");
     }
-    close(ready[0]);
   }
   IdleProcess(const IdleProcess&) = delete;
   IdleProcess& operator=(const IdleProcess&) = delete;
@@ -96,7 +88,7 @@ class IdleProcess {
  private:
   static constexpr std::size_t kMemory = std::size_t{8} << 20;
 
-  pid_t pid_ = -1;
+  pid_t pid_;
 };
 
 // On one line, without tabs.

@@ -69,7 +69,7 @@ class Run:
 
 def attack(quick):
     report = Report("program-system-calls")
-    environment = machine.environment("simulated", LD_PRELOAD=str(machine.START_MARKER))
+    environment = machine.environment("simulated", [machine.START_MARKER])
     with machine.MemoryGroup() as group, machine.IdleProcess() as pid:
         if not group.directory:
             report.note(f"not run in a memory group, since none can be created: {group.reason}")

@@ -4,6 +4,7 @@ import dataclasses
 import re
 
 import machine
+import outcomes
 
 UNITS = {"Bytes": 0, "B": 0, "KiB": 1, "MiB": 2, "GiB": 3, "TiB": 4}
 NUMBER = re.compile(r"-?\d+(?:\.\d+)?(?: (?:Bytes|B|[KMGT]iB|[KMGT]B|%)|%)?")
@@ -66,7 +67,7 @@ class Program:
 
 def all_programs(pid):
     """The programs; `pid` is that of a process which does nothing."""
-    kestrel = {"survey": [], "survey json": ["--format", "json"], "fits": ["1GiB"],
+    kestrel = {"survey": [], "survey json": ["--format", "json"], "fits": ["1536MiB"],
                "fits vram": ["--vram", "1GiB"], "explain": [], "record": [],
                "watch": [str(pid), "--count", "1", "--interval", "10ms"]}
     harness = {"harness machine": ["--hardware-test", "--mem-test", "-s", "0"],
@@ -95,9 +96,8 @@ def figures(line):
 
 
 def is_near(figure, right):
-    """The free memory of a memory group moves a little, that of the machine by any amount."""
-    near = abs(figure - right) <= 256 << 20 and right > 1 << 20
-    return figure == right or near or min(figure, right) > 1 << 30
+    """The memory of a process or of a memory group moves a little."""
+    return figure == right or (abs(figure - right) <= outcomes.MOVING and right > 1 << 20)
 
 
 def strange_lines(output, reference, failures=True):

@@ -38,7 +38,7 @@ class Counted:
         self.file = tempfile.NamedTemporaryFile()
         self.file.write(bytes(8))
         self.file.flush()
-        return {"LD_PRELOAD": str(machine.SHORT_READS), "ATTACK_SHORT_READS": str(self.size),
+        return {"preloaded": [machine.SHORT_READS], "ATTACK_SHORT_READS": str(self.size),
                 "ATTACK_SHORT_READS_COUNT": self.file.name}
 
     def __exit__(self, *_):

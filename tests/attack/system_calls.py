@@ -79,9 +79,8 @@ def analyse(name, before):
     return victim
 
 
-def wrong_outcomes(report, victim, outside, fault, occurrence):
-    """One run: in every call of the interface, the occurrence of the system call fails. Returns what is
-    wrong by call, None being the probe, and the command that does it again."""
+def strike(report, victim, outside, fault, occurrence):
+    """One run: in every call of the interface, the occurrence of the system call fails."""
     padding = victim.own[fault.call] + MARGIN
     names = victim.struck_by(fault.call, occurrence)
     command = [*victim.before, str(machine.PROBES[victim.name]),
@@ -90,25 +89,15 @@ def wrong_outcomes(report, victim, outside, fault, occurrence):
     environment = machine.environment("simulated")
     struck, (status, output, _) = trace.inject(command, environment, fault.call, fault.error, when)
     lines = probe.parse(output) if status == 0 else []
-    report.count(len(struck & {line.process for line in lines}))
-    wrong = {line.call: outcomes.complaint(line, victim.lines[line.call], outside.lines[line.call], fault)
-             for line in lines}
-    if [line.call for line in lines] != names:
-        wrong[None] = f"the probe ended with {status}"
     again = trace.before_strace(command, trace.injection(fault.call, fault.error, when))
-    return {call: text for call, text in wrong.items() if text}, (again, environment)
-
-
-def strike(report, victim, outside, fault, occurrence):
-    """Reports what is wrong twice: a fault strikes the same place each time, while the machine's own
-    figures may move once between two calls."""
-    wrong, again = wrong_outcomes(report, victim, outside, fault, occurrence)
-    if wrong:
-        second, _ = wrong_outcomes(report, victim, outside, fault, occurrence)
-        wrong = {call: text for call, text in second.items() if call in wrong}
-    for call, text in wrong.items():
-        report.add_wrong(f"{call or 'the probe'}: {fault.call} number {occurrence} fails with {fault.error}:"
-                         f" {text}", *again)
+    if [line.call for line in lines] != names:
+        report.add_wrong(f"the probe ended with {status}", again, environment)
+    report.count(len(struck & {line.process for line in lines}))
+    for line in lines:
+        wrong = outcomes.complaint(line, victim.lines[line.call], outside.lines[line.call], fault)
+        if wrong:
+            report.add_wrong(f"{line.call}: {fault.call} number {occurrence} fails with {fault.error}:"
+                             f" {wrong}", again, environment)
 
 
 def errors_for(call, occurrence, quick):
