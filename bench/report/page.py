@@ -49,8 +49,8 @@ REASONS = (
     ),
     (
         ("GetCpuUsage, another process",),
-        "`GetCpuUsage` counts the processors that are online at every call, which takes a third of its time "
-        "for another process.",
+        "`GetCpuUsage` counts the online processors at every call, which takes a third of its time for "
+        "another process.",
     ),
     (
         ("accuracy",),
@@ -175,11 +175,11 @@ def accuracy_table(accuracy, duty):
 
 
 def advice(accuracy):
-    intervals = [(points, shortest_interval(accuracy, points)) for points in (5, 2, 1)]
-    known = [f"within {points} from about {at} ms on" for points, at in intervals if at is not None]
+    intervals = [(points, shortest_interval(accuracy, points)) for points in (10, 5, 2)]
+    known = [f"within {points} points from about {at} ms on" for points, at in intervals if at is not None]
     if not known:
-        return "No interval measured here keeps the mean error of `GetCpuUsage` within 5 points."
-    return f"The mean error of `GetCpuUsage` in points stays {', '.join(known)}."
+        return "No interval measured here keeps the mean error of `GetCpuUsage` within 10 points."
+    return f"The mean error of `GetCpuUsage` stays {', '.join(known)}."
 
 
 def machine_text(machine):

@@ -197,12 +197,12 @@ class PageTest(unittest.TestCase):
         )
 
     def test_the_advice_names_the_shortest_interval_for_each_error(self):
-        advice = page.advice(accuracy_of({10: [20], 20: [4], 100: [1.5]}))
-        self.assertIn("within 5 from about 20 ms on, within 2 from about 100 ms on.", advice)
-        self.assertNotIn("within 1", advice)
+        advice = page.advice(accuracy_of({10: [20], 20: [8], 100: [5]}))
+        self.assertIn("within 10 points from about 20 ms on, within 5 points from about 100 ms on.", advice)
+        self.assertNotIn("within 2", advice)
 
     def test_no_interval_is_advised_if_every_mean_error_is_large(self):
-        self.assertIn("No interval", page.advice(accuracy_of({10: [20], 100: [6]})))
+        self.assertIn("No interval", page.advice(accuracy_of({10: [20], 100: [11]})))
 
     def test_a_start_without_an_installed_runtime_is_left_out(self):
         programs = {"a C++ program": [1000], "linked": [3000]}
