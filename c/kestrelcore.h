@@ -31,6 +31,10 @@
 /// up to 24 KiB of stack (measured: less than 20 KiB), and what the GPU runtime takes on top of
 /// that. Do not cancel (`pthread_cancel`) a thread inside a call.
 ///
+/// **Blocking.** `kestrel_cpu_usage` blocks for the interval that its caller chooses. Calls that
+/// ask the GPU runtime block for as long as that does: it initialises itself at the first call in a
+/// process. The other calls only query the operating system.
+///
 /// **Processor.** The library requires AVX2, enabled by the operating system. Elsewhere every call
 /// that returns a status returns `KESTREL_PROCESSOR_UNSUPPORTED` and leaves its outputs unchanged;
 /// the calls that return names and versions work on every x86-64 processor.
@@ -136,10 +140,10 @@ const char* kestrel_cpu_extension_name(uint32_t extension);
 const char* kestrel_cpu_extension_names(uint32_t extensions);
 
 /// Surveys the processor: the architecture that the operating system reports, and AVX and AVX2 as
-/// CPUID shows them. Does not block.
+/// CPUID shows them.
 ///
-/// Fails with `KESTREL_ARCHITECTURE_UNSUPPORTED`; `*cpu` then holds the unknown architecture
-/// without extensions. Writes nothing to standard error.
+/// Fails with `KESTREL_ARCHITECTURE_UNSUPPORTED` or `KESTREL_OUT_OF_MEMORY`: `*cpu` then holds the
+/// unknown architecture without extensions. Writes nothing to standard error.
 kestrel_status kestrel_survey_cpu(kestrel_cpu* cpu, kestrel_result* result);
 
 /// @}
@@ -204,21 +208,20 @@ const char* kestrel_gpu_platform_name(int32_t detection_platform);
 /// Fails with `KESTREL_CAPACITY_TOO_SMALL` if there are more GPUs than records: `*count` is what is
 /// needed, and no record is written. Fails with `KESTREL_NO_DEVICES` if the runtime cannot count
 /// its devices (zero devices that it did count are a success), with `KESTREL_DEVICE_QUERY_FAILED`
-/// where the message names the step and the device, with `KESTREL_OUT_OF_MEMORY` or
-/// `KESTREL_RUNTIME_FAILED`: `*count` is 0 and no record is written. Writes nothing to standard
-/// error.
+/// and a message that names the step and the device, with `KESTREL_OUT_OF_MEMORY` or with
+/// `KESTREL_RUNTIME_FAILED`: `*count` is then 0 and no record is written. Writes nothing to
+/// standard error.
 ///
-/// Blocks for as long as the HIP runtime does, which starts itself at its first call in a process.
 /// Leaves the last device surveyed as the calling thread's current HIP device.
 kestrel_status kestrel_survey_gpus(kestrel_gpu* gpus, size_t capacity, size_t* count,
                                    kestrel_result* result);
 
 /// The free and the total memory of one device in bytes, as the HIP runtime counts allocations.
 ///
-/// Fails with `KESTREL_NO_DEVICES` if the runtime has none, with `KESTREL_INVALID_ARGUMENT` if
-/// `device` is not below the number of devices, and with `KESTREL_DEVICE_QUERY_FAILED` where the
-/// message names the step: both figures are then 0. Either pointer may be null, not both. Writes
-/// nothing to standard error.
+/// Fails with `KESTREL_NO_DEVICES` if the runtime has none or cannot count them, with
+/// `KESTREL_INVALID_ARGUMENT` if `device` is negative or not below the number of devices, and with
+/// `KESTREL_DEVICE_QUERY_FAILED` and a message that names the step: both figures are then 0. Either
+/// pointer may be null, not both. Writes nothing to standard error.
 ///
 /// Makes `device` the calling thread's current HIP device.
 kestrel_status kestrel_gpu_memory(int32_t device, uint64_t* free_bytes, uint64_t* total_bytes,
@@ -276,16 +279,18 @@ kestrel_status kestrel_process_used_ram(int32_t pid, uint64_t* bytes, kestrel_re
 kestrel_status kestrel_machine_physical_ram(uint64_t* bytes, kestrel_result* result);
 
 /// The physical RAM in bytes that this process can get without swapping; on Linux no more than
-/// the memory limits of its container leave it. Fails as above.
+/// the memory limits of its container leave it. Fails as `kestrel_machine_physical_ram` does.
 kestrel_status kestrel_available_ram(uint64_t* bytes, kestrel_result* result);
 
-/// The physical RAM less the available, in bytes, both of one moment. Fails as above.
+/// The physical RAM less the available RAM, in bytes, both from one query. Fails as
+/// `kestrel_machine_physical_ram` does.
 kestrel_status kestrel_used_ram(uint64_t* bytes, kestrel_result* result);
 
 /// The total VRAM of all HIP devices in bytes, from each device's properties.
 ///
-/// Fails with `KESTREL_NO_DEVICES` if the runtime has none, and with `KESTREL_DEVICE_QUERY_FAILED`
-/// if at least one device could not be read: `*bytes` is then the sum of the others.
+/// Fails with `KESTREL_NO_DEVICES` if the runtime has none or cannot count them, and `*bytes` is 0.
+/// Fails with `KESTREL_DEVICE_QUERY_FAILED` if at least one device could not be read, and `*bytes`
+/// is the sum of the others.
 kestrel_status kestrel_machine_physical_vram(uint64_t* bytes, kestrel_result* result);
 
 /// The free VRAM of HIP device 0 alone in bytes, also where there are several; see
