@@ -172,4 +172,3 @@ def on_own_thread(action: Callable[[], _T]) -> _T:
     if failure:
         raise failure[0]
     return outcome[0]
-
