@@ -116,15 +116,15 @@ class TableReader {
 
   [[nodiscard]] std::vector<const toml::table*> Tables(std::string_view key) const {
     const toml::node* node = table_.get(key);
-    std::vector<const toml::table*> tables;
     if (node == nullptr) {
-      return tables;
+      return {};
     }
     const auto* array = node->as_array();
     if (array == nullptr) {
       Refuse(node->source(),
              Quoted(key) + " must be a list of tables: [[" + std::string(key) + "]]");
     }
+    std::vector<const toml::table*> tables;
     for (const toml::node& element : *array) {
       if (!element.is_table()) {
         Refuse(element.source(), "each " + Quoted(key) + " must be a table");

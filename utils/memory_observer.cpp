@@ -1,5 +1,6 @@
 #include "utils/memory_observer.h"
 
+#include <algorithm>
 #include <cstdint>
 
 #include "platform/platform.h"
@@ -39,11 +40,8 @@ bool PredictAllocationFailure(long long bytes, DiagnosticSink sink) noexcept {
 }
 
 std::uint64_t MissingBytes(std::uint64_t bytes, const platform::MemoryStatus& status) noexcept {
-  if (bytes <= status.available_physical) {
-    return 0;
-  }
-  const std::uint64_t beyond = bytes - status.available_physical;
-  return beyond > status.committable ? beyond - status.committable : 0;
+  const std::uint64_t beyond = bytes - std::min(bytes, status.available_physical);
+  return beyond - std::min(beyond, status.committable);
 }
 
 const int MemoryObserver::kRamMeterErrorCode = -1;
