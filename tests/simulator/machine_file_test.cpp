@@ -219,6 +219,9 @@ TEST(MachineFileTest, FaultOfUncountedDeviceIsRefused) {
   const std::string fault = "operation = 'hipSetDevice'\nstatus = 'hipErrorUnknown'\ndevice = 1\n";
   EXPECT_EQ(ComplaintAbout(Fault(fault)), "m.toml:10:10: there is no device 1");
   EXPECT_EQ(ComplaintAbout("claimed_device_count = 2\n" + Fault(fault)), "");
+  EXPECT_EQ(ComplaintAbout("device = []\n[[fault]]\noperation = 'hipSetDevice'\n"
+                           "status = 'hipErrorUnknown'\ndevice = 0\n"),
+            "m.toml:5:10: there is no device 0");
 }
 
 TEST(MachineFileTest, TextThatTheParserCannotTakeIsRefused) {

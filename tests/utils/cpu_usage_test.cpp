@@ -95,6 +95,12 @@ TEST_F(CpuUsageTest, WallClockRunsFromFirstToSecondSample) {
   EXPECT_EQ(ExpectSilent(1234, 1000), static_cast<float>(1.0 / 1.5 * 100.0));
 }
 
+TEST_F(CpuUsageTest, ProcessOneIsMeasured) {
+  Platform().logical_processors = 1;
+  Platform().times = {{0, 0}, {0, kSecond}};
+  EXPECT_EQ(ExpectSilent(1, 1000), 100.0F);
+}
+
 TEST_F(CpuUsageTest, CallsAreMadeInFixedOrder) {
   ExpectSilent(1234, 500);
   EXPECT_EQ(Platform().calls,
