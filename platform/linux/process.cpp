@@ -3,11 +3,13 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
+#include <charconv>
 #include <cstdio>
 #include <ctime>
+#include <string_view>
 
 #include "platform/linux/statm.h"
 #include "platform/linux/text_file.h"
@@ -15,12 +17,14 @@
 
 namespace kestrel::platform {
 
-// The handle is an open /proc/<pid>/statm. The descriptor refers to that one process: reads fail
-// with ESRCH once the process has been reaped, even if its pid has been reused. It contains the
-// resident set, and opening it checks the permissions that the "/proc" mount requires.
+// The handle is an open file of "/proc/<pid>". The descriptor refers to that one process: reads
+// fail with ESRCH once the process has been reaped, even if its pid has been reused. Opening it
+// checks the permissions that the "/proc" mount requires. For the memory the file is statm, which
+// contains the resident set. The times come from a clock, so any file serves; the kernel opens and
+// reads oom_score_adj in the least time.
 //
 // The calling process needs none of these checks: it finds itself as /proc/self in any "/proc", and
-// its clock without a handle. Most hosts measure themselves, and that takes half of the time.
+// its clock without a handle. Most hosts measure themselves, and that takes less time.
 
 namespace {
 
@@ -29,10 +33,22 @@ constexpr std::uint64_t kNanosecondsPerTimeUnit = 100;
 
 using ProcessPath = std::array<char, 32>;
 
-ProcessPath PathOf(int pid, const char* name) noexcept {
-  ProcessPath path;
-  std::snprintf(path.data(), path.size(), "/proc/%d/%s", pid, name);
+// Not by snprintf, which would take 0.15 of the 6 us in which another process is measured.
+ProcessPath PathOf(int pid, std::string_view name) noexcept {
+  constexpr std::string_view kProc = "/proc/";
+  ProcessPath path{};
+  char* end = std::copy(kProc.begin(), kProc.end(), path.data());
+  end = std::to_chars(end, path.data() + path.size(), pid).ptr;
+  *end++ = '/';
+  std::copy(name.begin(), name.end(), end);
   return path;
+}
+
+// The id of the process's CPU clock, as clock_getcpuclockid(3) builds it; that function also asks
+// the kernel whether there is such a process, which reading the clock shows as well.
+clockid_t CpuClockOf(int pid) noexcept {
+  constexpr unsigned kScheduler = 2;  // CPUCLOCK_SCHED, include/linux/posix-timers.h
+  return static_cast<clockid_t>(~static_cast<unsigned>(pid) << 3 | kScheduler);
 }
 
 bool HasOwnThreadGroup(int pid) noexcept {
@@ -57,6 +73,12 @@ std::optional<std::uint64_t> ReadResidentPages(int statm) noexcept {
   errno = 0;
   const auto text = ReadFromStart(statm, buffer.data(), buffer.size());
   return text ? ParseResidentPages(*text) : std::nullopt;
+}
+
+// Whether the process of an open file of "/proc/<pid>" has not been reaped.
+bool StillExists(int file) noexcept {
+  std::array<char, 16> buffer;
+  return ReadFromStart(file, buffer.data(), buffer.size()).has_value();
 }
 
 // Returns 0 for a thread that has ended in the meantime; `nullopt` if it cannot be read.
@@ -111,23 +133,23 @@ std::optional<Process> Process::Open(int pid, ProcessRights rights) noexcept {
   if (is_own && rights == ProcessRights::kTimes) {
     return Process(pid, kNoHandle);
   }
-  FileDescriptor statm(AT_FDCWD, is_own ? "/proc/self/statm" : PathOf(pid, "statm").data());
-  if (!statm.is_open() || !(is_own || (IsProcess(pid) && ProcIsOfThisNamespace(own_pid)))) {
+  const std::string_view name = rights == ProcessRights::kTimes ? "oom_score_adj" : "statm";
+  FileDescriptor file(AT_FDCWD, is_own ? "/proc/self/statm" : PathOf(pid, name).data());
+  if (!file.is_open() || !(is_own || (IsProcess(pid) && ProcIsOfThisNamespace(own_pid)))) {
     return std::nullopt;
   }
-  return Process(pid, statm.release());
+  return Process(pid, file.release());
 }
 
 void Process::Close(std::intptr_t handle) noexcept { close(static_cast<int>(handle)); }
 
-// The process CPU clock is finer than the ticks of /proc/<pid>/stat, but it takes a pid. If statm
-// can still be read after the clock, the process still existed, so its pid had not been reused.
+// The process CPU clock is finer than the ticks of /proc/<pid>/stat, but it takes a pid. If the
+// process still exists after the clock was read, its pid had not been reused.
 std::optional<ProcessTimes> Process::Times() const noexcept {
   const bool is_own = handle_ == kNoHandle;
-  clockid_t clock = CLOCK_PROCESS_CPUTIME_ID;
+  const clockid_t clock = is_own ? CLOCK_PROCESS_CPUTIME_ID : CpuClockOf(pid_);
   timespec used{};
-  if ((!is_own && clock_getcpuclockid(pid_, &clock) != 0) || clock_gettime(clock, &used) != 0 ||
-      (!is_own && !ReadResidentPages(static_cast<int>(handle_)))) {
+  if (clock_gettime(clock, &used) != 0 || (!is_own && !StillExists(static_cast<int>(handle_)))) {
     return std::nullopt;
   }
   return ProcessTimes{0, static_cast<std::uint64_t>(used.tv_sec) * kTimeUnitsPerSecond +

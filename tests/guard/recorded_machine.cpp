@@ -106,8 +106,8 @@ int clock_getcpuclockid(pid_t /*pid*/, clockid_t* clock) noexcept {
 
 int clock_gettime(clockid_t clock, timespec* time) noexcept {
   static long now = 0;
-  if (clock != CLOCK_MONOTONIC) {
-    return static_cast<int>(syscall(SYS_clock_gettime, clock, time));
+  if (clock != CLOCK_MONOTONIC) {  // that of a process
+    return static_cast<int>(syscall(SYS_clock_gettime, CLOCK_PROCESS_CPUTIME_ID, time));
   }
   now += 1000;
   *time = {0, now};

@@ -29,8 +29,6 @@ namespace {
 using platform::Process;
 using platform::ProcessRights;
 
-constexpr ProcessRights kBothRights[] = {ProcessRights::kTimes, ProcessRights::kMemory};
-
 void Idle() {
   while (true) {
     pause();
@@ -43,12 +41,20 @@ bool OpensAs(int pid) {
   return opens;
 }
 
+std::optional<platform::ProcessTimes> TimesOf(int pid) {
+  const auto process = Process::Open(pid, ProcessRights::kTimes);
+  return process ? process->Times() : std::nullopt;
+}
+
+std::optional<std::uint64_t> ResidentBytesOf(int pid) {
+  const auto process = Process::Open(pid, ProcessRights::kMemory);
+  return process ? process->ResidentBytes() : std::nullopt;
+}
+
 TEST(LinuxProcessTest, IdleChildIsMeasured) {
   const ChildProcess child(Idle);
-  const auto process = Process::Open(child.pid(), ProcessRights::kTimes);
-  ASSERT_TRUE(process);
-  EXPECT_TRUE(process->Times());
-  EXPECT_GT(process->ResidentBytes().value_or(0), 0U);
+  EXPECT_TRUE(TimesOf(child.pid()));
+  EXPECT_GT(ResidentBytesOf(child.pid()).value_or(0), 0U);
 }
 
 TEST(LinuxProcessTest, ThreadIdDoesNotOpen) {
@@ -86,7 +92,7 @@ TEST(LinuxProcessTest, ZombieHasItsFinalTimesAndNoMemory) {
   ASSERT_TRUE(first);
   ASSERT_TRUE(second);
   EXPECT_EQ(first->user, second->user);
-  EXPECT_EQ(process->ResidentBytes(), 0U);
+  EXPECT_EQ(ResidentBytesOf(child.pid()), 0U);
 }
 
 TEST(LinuxProcessTest, ReapedProcessDoesNotOpen) {
@@ -97,12 +103,14 @@ TEST(LinuxProcessTest, ReapedProcessDoesNotOpen) {
 
 TEST(LinuxProcessTest, ProcessReapedWhileOpenReturnsNoFigures) {
   ChildProcess child(Idle);
-  const auto process = Process::Open(child.pid(), ProcessRights::kTimes);
-  ASSERT_TRUE(process);
-  ASSERT_TRUE(process->Times());
+  const auto times = Process::Open(child.pid(), ProcessRights::kTimes);
+  const auto memory = Process::Open(child.pid(), ProcessRights::kMemory);
+  ASSERT_TRUE(times);
+  ASSERT_TRUE(memory);
+  ASSERT_TRUE(times->Times());
   child.KillAndReap();
-  EXPECT_FALSE(process->Times());
-  EXPECT_FALSE(process->ResidentBytes());
+  EXPECT_FALSE(times->Times());
+  EXPECT_FALSE(memory->ResidentBytes());
 }
 
 TEST(LinuxProcessTest, ProcessEndedWhileOpenKeepsItsTimesUntilReaped) {
@@ -118,18 +126,19 @@ TEST(LinuxProcessTest, ProcessEndedWhileOpenKeepsItsTimesUntilReaped) {
 TEST(LinuxProcessTest, HandleOfReusedPidReturnsNoFigures) {
   const auto outcome = RunInOwnNamespaces([] {
     ChildProcess first(Idle);
-    const auto process = Process::Open(first.pid(), ProcessRights::kTimes);
-    const bool opened = process.has_value();
+    const auto times = Process::Open(first.pid(), ProcessRights::kTimes);
+    const auto memory = Process::Open(first.pid(), ProcessRights::kMemory);
+    const bool opened = times && memory;
     first.KillAndReap();
     std::ofstream("/proc/sys/kernel/ns_last_pid") << first.pid() - 1;
     const ChildProcess second(Idle);
     if (!opened || second.pid() != first.pid()) {
       throw std::runtime_error("the pid was not reused");
     }
-    if (process->Times() || process->ResidentBytes()) {
-      throw std::runtime_error("the old handle returned figures of the new process");
+    if (times->Times() || memory->ResidentBytes()) {
+      throw std::runtime_error("an old handle returned figures of the new process");
     }
-    if (!Process::Open(second.pid(), ProcessRights::kTimes)->Times()) {
+    if (!TimesOf(second.pid())) {
       throw std::runtime_error("the new process was not measured");
     }
   });
@@ -146,12 +155,8 @@ void LiveWithoutFirstThread() {
 TEST(LinuxProcessTest, ProcessWithoutFirstThreadIsMeasuredInFull) {
   const ChildProcess child(LiveWithoutFirstThread);
   child.AwaitFirstThreadsEnd();
-  for (const ProcessRights rights : kBothRights) {
-    const auto process = Process::Open(child.pid(), rights);
-    ASSERT_TRUE(process);
-    EXPECT_TRUE(process->Times());
-    EXPECT_GE(process->ResidentBytes().value_or(0), 32U << 20);
-  }
+  EXPECT_TRUE(TimesOf(child.pid()));
+  EXPECT_GE(ResidentBytesOf(child.pid()).value_or(0), 32U << 20);
 }
 
 // Its threads are read one by one; that needs two more descriptors.
@@ -228,12 +233,12 @@ TEST(LinuxProcessTest, ThreadsThatEndBeforeTheyAreReadHoldNoMemory) {
 }
 
 // As seccomp filters and security modules do. The kernel's own answer is then not known.
-TEST(LinuxProcessTest, WhereThreadGroupProbeIsRefusedOnlyProcessesOpen) {
+TEST(LinuxProcessTest, WhereThreadGroupProbeIsRefusedOnlyProcessesAreMeasured) {
   for (const int error : {EACCES, EPERM, ENOSYS}) {
     const Outcome outcome = RunApart([error] {
       RefuseCalls(SYS_clock_getres, error);
-      if (!OpensAs(getppid())) {
-        throw std::runtime_error("a process did not open");
+      if (!OpensAs(getppid()) || !TimesOf(getppid())) {
+        throw std::runtime_error("a process was not measured");
       }
       bool thread_opened = false;
       std::thread([&] { thread_opened = OpensAs(gettid()); }).join();
@@ -309,10 +314,13 @@ TEST(LinuxProcessTest, ProcessNamedWithBlanksAndParenthesesIsMeasured) {
   ASSERT_EQ(read(ends[0], &ready, 1), 1);
   close(ends[0]);
   close(ends[1]);
-  const auto process = Process::Open(child.pid(), ProcessRights::kMemory);
-  ASSERT_TRUE(process);
-  EXPECT_TRUE(process->Times());
-  EXPECT_GT(process->ResidentBytes().value_or(0), 0U);
+  EXPECT_TRUE(TimesOf(child.pid()));
+  EXPECT_GT(ResidentBytesOf(child.pid()).value_or(0), 0U);
+}
+
+std::uint64_t InTimeUnits(const timespec& time) {
+  return static_cast<std::uint64_t>(time.tv_sec) * 10'000'000 +
+         static_cast<std::uint64_t>(time.tv_nsec) / 100;
 }
 
 TEST(LinuxProcessTest, TimesAreInUnitsOf100Nanoseconds) {
@@ -326,6 +334,21 @@ TEST(LinuxProcessTest, TimesAreInUnitsOf100Nanoseconds) {
   EXPECT_EQ(times->kernel + times->user, 39'999'999U);
 }
 
+// The clock of a process that has ended stands still.
+TEST(LinuxProcessTest, TimesOfAnotherProcessAreThoseOfItsClock) {
+  const ChildProcess child([] {
+    const std::vector<char> memory(64U << 20, 'x');  // takes time of the user and of the kernel
+  });
+  child.AwaitEnd();
+  clockid_t clock{};
+  timespec used{};
+  ASSERT_EQ(clock_getcpuclockid(child.pid(), &clock), 0);
+  ASSERT_EQ(clock_gettime(clock, &used), 0);
+  const auto times = TimesOf(child.pid());
+  ASSERT_TRUE(times);
+  EXPECT_EQ(times->kernel + times->user, InTimeUnits(used));
+}
+
 // The two readings enclose the process's own clock, which is finer than the ticks of
 // /proc/<pid>/stat.
 TEST(LinuxProcessTest, TimesMatchTheClockOfTheProcess) {
@@ -337,10 +360,8 @@ TEST(LinuxProcessTest, TimesMatchTheClockOfTheProcess) {
   const auto second = process->Times();
   ASSERT_TRUE(first);
   ASSERT_TRUE(second);
-  const auto own_units = static_cast<std::uint64_t>(own.tv_sec) * 10'000'000 +
-                         static_cast<std::uint64_t>(own.tv_nsec) / 100;
-  EXPECT_LE(first->kernel + first->user, own_units);
-  EXPECT_LE(own_units, second->kernel + second->user);
+  EXPECT_LE(first->kernel + first->user, InTimeUnits(own));
+  EXPECT_LE(InTimeUnits(own), second->kernel + second->user);
 }
 
 }  // namespace
