@@ -3,9 +3,13 @@
 The same source always has the same mutants, in the same order. Two mutants with one key
 (file, text of the line, operator, old, new) differ by a number, so that the keys of
 tests/mutation/survivors.txt hold when lines are added elsewhere in the file.
+
+Compiling and linking each copy takes most of the time, so there is also a copy with many mutants
+at once: Source.together. The data of a program that contains it say which of them runs.
 """
 
 import re
+import struct
 from dataclasses import dataclass
 
 TOKEN = re.compile(r"""
@@ -39,6 +43,11 @@ NUMERIC = re.compile(r"^(static |constexpr |inline )*(std::u?int\d+_t|std::size_
                      r"double|float|std::uintptr_t) ")
 # Of the rows of a table, one in this many has mutants. So many lines of one shape are a table.
 TABLE_STEP = 12
+# The data of a copy with many mutants: a mark to find them by, and the number of the one that runs.
+# They are not constant for the compiler, and no code has to run before they are right.
+MARK = b"kestrel mutants\0"
+DATA = 'static struct { char mark[16]; volatile int number; } kestrel_mutants = {"%s", 0};\n' % (
+    MARK[:-1].decode())
 
 
 class Token:
@@ -69,6 +78,12 @@ class Mutant:
 
     def applied(self, source):
         return source[:self.start] + self.new + source[self.end:]
+
+
+def with_number(program, number):
+    """The bytes of a program in which that mutant runs; with 0 it is the original that runs."""
+    return re.sub(re.escape(MARK) + b"....", lambda _: MARK + struct.pack("<i", number), program,
+                  flags=re.S)
 
 
 def tokenize(source):
@@ -229,6 +244,37 @@ class Source:
             if token.text == "[" and self.text(i + 1) == "[":
                 skipped.update(range(i, self.pairs[i] + 1))
         return skipped
+
+    # Many mutants at once.
+
+    def bodies(self):
+        """Where the bodies of the functions start and end that may read a number at run time."""
+        found = []
+        for brace, kind in self.kinds.items():
+            head = self.source[self.tokens[self.statement_start(brace)].start:self.tokens[brace].start]
+            outside = {self.kinds[outer] for outer in self.enclosing_blocks(brace)}
+            if kind == "function" and outside <= {"space", "type"} and "constexpr" not in head:
+                found.append((self.tokens[brace].end, self.tokens[self.pairs[brace]].start))
+        return found
+
+    def together(self, mutants):
+        """A copy with these {number: mutant}, of which the data of the program select one. A function
+        has its body once for each of its mutants. The compiler takes "mutant7" for the file of the body
+        with mutant 7. Returns the copy and the numbers in it; mutants outside of functions are not."""
+        pieces, numbers, at = [DATA, '#line 1 "original"\n'], set(), 0
+        for start, end in self.bodies():
+            inside = {number: mutant for number, mutant in mutants.items()
+                      if start <= mutant.start and mutant.end <= end}
+            if not inside:
+                continue
+            pieces += [self.source[at:start], "\nswitch (kestrel_mutants.number) {\n"]
+            for number, mutant in inside.items():
+                body = self.source[start:mutant.start] + mutant.new + self.source[mutant.end:end]
+                pieces.append('case %d: {\n#line 1 "mutant%d"\n%s\n} break;\n' % (number, number, body))
+            pieces.append('default: {\n#line 1 "original"\n%s\n}\n}\n' % self.source[start:end])
+            numbers.update(inside)
+            at = end
+        return "".join(pieces + [self.source[at:]]), numbers
 
     # Changes.
 

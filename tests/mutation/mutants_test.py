@@ -2,7 +2,7 @@
 
 import unittest
 
-from mutants import Source
+from mutants import DATA, MARK, Source, with_number
 
 
 def changes(source):
@@ -48,6 +48,64 @@ class MutantsTest(unittest.TestCase):
         found = Source("a.cpp", "const Row kRows[] = {\n" + rows + "};\n").mutants
         self.assertEqual({m.operator for m in found}, {"string", "table row deleted"})
         self.assertEqual(len(found), 4)
+
+    def test_copy_with_many_mutants_has_the_body_of_a_function_for_each(self):
+        source = Source("a.cpp", "bool F(bool a) {\n  return !a;\n}\n")
+        text, numbers = source.together(dict(enumerate(source.mutants, 7)))
+        self.assertEqual(numbers, {7, 8, 9})
+        self.assertEqual(text, DATA + """#line 1 "original"
+bool F(bool a) {
+switch (kestrel_mutants.number) {
+case 7: {
+#line 1 "mutant7"
+
+  return a;
+
+} break;
+case 8: {
+#line 1 "mutant8"
+
+  return {};
+
+} break;
+case 9: {
+#line 1 "mutant9"
+
+  return true;
+
+} break;
+default: {
+#line 1 "original"
+
+  return !a;
+
+}
+}
+}
+""")
+
+    def test_copy_with_many_mutants_has_those_in_functions(self):
+        source = Source("a.cpp", """
+const int a = 1;
+constexpr int F() { return 2; }
+namespace n {
+class B {
+  B() : b(3) { c = 4; }
+  int D() const { return [] { return 5; }(); }
+};
+}
+""")
+        _, numbers = source.together(dict(enumerate(source.mutants)))
+        self.assertEqual({source.mutants[number].old for number in numbers if
+                          source.mutants[number].operator == "constant"}, {"4", "5"})
+
+    def test_number_is_written_wherever_the_mark_is(self):
+        program = b"x" + MARK + b"\0\0\0\0y" + MARK + b"\1\0\0\0"
+        self.assertEqual(with_number(program, 0x5C31), b"x" + MARK + b"\x31\x5c\0\0y" + MARK
+                         + b"\x31\x5c\0\0")
+
+    def test_mark_fills_its_place(self):
+        self.assertEqual(len(MARK), 16)
 
 
 if __name__ == "__main__":
