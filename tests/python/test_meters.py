@@ -28,28 +28,26 @@ def test_process_memory_grows_with_what_is_touched():
 def test_busy_process_uses_the_processor():
     with subprocess.Popen([sys.executable, "-c", "while True: pass"]) as process:
         try:
-            assert kestrelcore.cpu_usage(process.pid, 0.3) > 0
+            # Without a limit of time: a busy machine may take long to give the process its share.
+            while kestrelcore.cpu_usage(process.pid, 0.1) == 0:
+                pass
         finally:
             process.kill()
 
 
+# If the call kept the interpreter's lock, this test would take an hour, and ctest would end it.
 def test_other_threads_run_during_the_interval():
-    interval = 1.0
     begun = threading.Event()
-    stamps = []
 
-    def take_stamp():
-        begun.wait()
-        stamps.append(time.monotonic())
+    def measure():
+        begun.set()
+        kestrelcore.cpu_usage(interval=3600)
 
-    thread = threading.Thread(target=take_stamp)
+    thread = threading.Thread(target=measure, daemon=True)
     thread.start()
-    start = time.monotonic()
-    begun.set()
-    kestrelcore.cpu_usage(interval=interval)
-    thread.join()
-    # The call cannot have returned before the interval ended.
-    assert start <= stamps[0] < start + interval
+    begun.wait()
+    time.sleep(0.2)  # until the call has begun
+    assert thread.is_alive()
 
 
 @pytest.mark.parametrize("pid", [0, -5, 2**31, -(2**40)])
