@@ -18,12 +18,11 @@ errors=$("$kestrel" record /dev/full 2>&1)
 [ "$errors" = "kestrel record: '/dev/full' could not be written: No space left on device" ] ||
   fail "a full disk gives kestrel record: $errors"
 
-# The reader ends before the program begins to write.
-status=$({
-  {
-    sleep 1
-    "$kestrel" --help 2>/dev/null
-    echo $? >&4
-  } | true
-} 4>&1)
+# The pipe has lost its only reader, descriptor 3, before the program writes to it.
+folder=$(mktemp -d)
+trap 'rm -r "$folder"' EXIT
+mkfifo "$folder/pipe"
+exec 3<>"$folder/pipe" 4>"$folder/pipe" 3>&-
+"$kestrel" --help >&4 2>/dev/null
+status=$?
 [ "$status" = 74 ] || fail "a closed pipe gives the status $status"
