@@ -38,8 +38,10 @@ std::string OpenFailures(int pid) {
   return line + line;
 }
 
+class BadEnvironmentNeedsNamespacesTest : public NamespacesTest {};
+
 // The clock of the own process needs no "/proc".
-TEST(BadEnvironmentTest, WithoutProcOnlyTheTotalAndTheOwnCpuUsageAreReported) {
+TEST_F(BadEnvironmentNeedsNamespacesTest, WithoutProcOnlyTheTotalAndTheOwnCpuUsageAreReported) {
   const Outcome outcome = RunInOwnNamespaces([] {
     Require(mount("none", "/proc", "tmpfs", 0, nullptr) == 0, "mount");
     Require(GetCpuUsage(1, 0) >= 0.0F, "own CPU usage was not measured");
@@ -67,16 +69,17 @@ void RunAsNobody(const std::function<void()>& body) {
   Require(outcome.ran, "the body failed");
 }
 
-class OtherUserTest : public testing::Test {
+class OtherUserNeedsRootAndNamespacesTest : public NamespacesTest {
  protected:
   void SetUp() override {
     if (geteuid() != 0) {
       GTEST_SKIP() << "needs root, to have a process of another user";
     }
+    NamespacesTest::SetUp();
   }
 };
 
-TEST_F(OtherUserTest, HiddenProcessesDoNotOpen) {
+TEST_F(OtherUserNeedsRootAndNamespacesTest, HiddenProcessesDoNotOpen) {
   for (const char* const hidepid : {"hidepid=1", "hidepid=2"}) {
     SCOPED_TRACE(hidepid);
     const Outcome outcome = RunInOwnNamespaces([hidepid] {
@@ -88,7 +91,7 @@ TEST_F(OtherUserTest, HiddenProcessesDoNotOpen) {
   }
 }
 
-TEST_F(OtherUserTest, VisibleProcessesAreMeasured) {
+TEST_F(OtherUserNeedsRootAndNamespacesTest, VisibleProcessesAreMeasured) {
   const Outcome outcome = RunInOwnNamespaces([] {
     RunAsNobody([] {
       Require(GetCpuUsage(1, 0) >= 0.0F, "CPU usage was not measured");

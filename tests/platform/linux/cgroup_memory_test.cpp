@@ -440,9 +440,11 @@ TEST_F(CgroupMemoryV1Test, AncestorIsReadInFullOnlyIfItMayBeTheTightest) {
   }
 }
 
+class CgroupMemoryNeedsNamespacesTest : public NamespacesTest {};
+
 // Another file is mounted over the one that the root of a hierarchy of version 1 has. Its reads
 // fail.
-TEST(CgroupMemoryOfThisMachineTest, LimitOfHierarchysRootIsNotRead) {
+TEST_F(CgroupMemoryNeedsNamespacesTest, LimitOfHierarchysRootIsNotRead) {
   const auto outcome = RunInOwnNamespaces([] {
     const std::string limit = "/sys/fs/cgroup/memory/memory.limit_in_bytes";
     if (access(limit.c_str(), F_OK) == 0 &&

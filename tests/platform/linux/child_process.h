@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <sys/types.h>
 
 #include <functional>
@@ -34,8 +35,8 @@ struct Outcome {
   std::string diagnostics;  // all that it wrote to standard error
 };
 
-// Runs `body` in a child process, whose limits and identity it may change. `ran` is false if `body`
-// throws or crashes.
+// Runs `body` in a child process, whose limits and identity it may change. No descriptors are open
+// but the standard streams. `ran` is false if `body` throws or crashes.
 Outcome RunApart(const std::function<void()>& body);
 
 // Lowers the limit of file descriptors so that this process can open `count` more. Throws if that
@@ -45,5 +46,12 @@ void LeaveDescriptors(unsigned count);
 // Runs `body` as process 1 of a new process namespace with a "/proc" of its own; its mounts are
 // visible in that namespace alone. Needs root, or permission to create user namespaces.
 Outcome RunInOwnNamespaces(const std::function<void()>& body);
+
+// Skips the test where that is forbidden, as it is in most containers. The names of such suites say
+// what they need, so that ctest's list of skipped tests gives the reason.
+class NamespacesTest : public testing::Test {
+ protected:
+  void SetUp() override;
+};
 
 }  // namespace kestrel::tests

@@ -122,8 +122,10 @@ TEST(LinuxProcessTest, ProcessEndedWhileOpenKeepsItsTimesUntilReaped) {
   EXPECT_TRUE(process->Times());
 }
 
+class LinuxProcessNeedsNamespacesTest : public NamespacesTest {};
+
 // Writing ns_last_pid sets the next pid, so the reuse is certain.
-TEST(LinuxProcessTest, HandleOfReusedPidReturnsNoFigures) {
+TEST_F(LinuxProcessNeedsNamespacesTest, HandleOfReusedPidReturnsNoFigures) {
   const auto outcome = RunInOwnNamespaces([] {
     ChildProcess first(Idle);
     const auto times = Process::Open(first.pid(), ProcessRights::kTimes);
@@ -276,7 +278,7 @@ TEST(LinuxProcessTest, WhereThreadGroupProbeFindsNoProcessNothingOpens) {
 
 // The "/proc" that remains visible is that of the parent namespace. Process 1 there is another one,
 // but "self" is the calling process, which is process 1 here.
-TEST(LinuxProcessTest, ProcOfAnotherNamespaceOpensOwnProcessAlone) {
+TEST_F(LinuxProcessNeedsNamespacesTest, ProcOfAnotherNamespaceOpensOwnProcessAlone) {
   const auto outcome = RunInOwnNamespaces([] {
     const ChildProcess child(Idle);
     if (umount("/proc") != 0 || OpensAs(child.pid())) {

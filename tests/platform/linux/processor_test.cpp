@@ -77,7 +77,9 @@ TEST(LinuxProcessorTest, AffinityOfTheThreadDoesNotChangeTheCount) {
   EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
-TEST(LinuxProcessorTest, WithoutSysTheCountIsTheSame) {
+class LinuxProcessorNeedsNamespacesTest : public NamespacesTest {};
+
+TEST_F(LinuxProcessorNeedsNamespacesTest, WithoutSysTheCountIsTheSame) {
   const auto count = LogicalProcessorCount();
   ASSERT_TRUE(count);
   const Outcome outcome = RunInOwnNamespaces([&count] {
@@ -87,7 +89,7 @@ TEST(LinuxProcessorTest, WithoutSysTheCountIsTheSame) {
   EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
-TEST(LinuxProcessorTest, WithoutProcTheCountIsTheSame) {
+TEST_F(LinuxProcessorNeedsNamespacesTest, WithoutProcTheCountIsTheSame) {
   const auto count = LogicalProcessorCount();
   ASSERT_TRUE(count);
   const Outcome outcome = RunInOwnNamespaces([&count] {
@@ -111,22 +113,22 @@ Outcome CountInProcStat(const std::string& text, const std::optional<std::uint32
   });
 }
 
-TEST(LinuxProcessorTest, ProcessorsOfProcStatAreCounted) {
+TEST_F(LinuxProcessorNeedsNamespacesTest, ProcessorsOfProcStatAreCounted) {
   const Outcome outcome = CountInProcStat("cpu  3 2\ncpu0 1 1\ncpu12 2 1\nintr 1 2\n", 2);
   EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
-TEST(LinuxProcessorTest, ProcStatWithoutLineAfterTheProcessorsHasNoCount) {
+TEST_F(LinuxProcessorNeedsNamespacesTest, ProcStatWithoutLineAfterTheProcessorsHasNoCount) {
   const Outcome outcome = CountInProcStat("cpu  3 2\ncpu0 1 1\n", std::nullopt);
   EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
-TEST(LinuxProcessorTest, ProcStatWithoutProcessorsHasNoCount) {
+TEST_F(LinuxProcessorNeedsNamespacesTest, ProcStatWithoutProcessorsHasNoCount) {
   const Outcome outcome = CountInProcStat("cpu  3 2\nintr 1 2\n", std::nullopt);
   EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
-TEST(LinuxProcessorTest, WithoutSysAndProcThereIsNoCount) {
+TEST_F(LinuxProcessorNeedsNamespacesTest, WithoutSysAndProcThereIsNoCount) {
   const Outcome outcome = RunInOwnNamespaces([] {
     Cover("/sys");
     Cover("/proc");
