@@ -19,6 +19,7 @@ fail() {
   exit 1
 }
 
+export LC_ALL=C.UTF-8 # Ansible refuses locales of other encodings, and those that are not installed
 export PATH=$build/bin:$PATH
 export KESTREL_SIM_MACHINE=$source/simulator/machines/apu-and-card.toml
 export LD_LIBRARY_PATH=$build/simulator/runtime/5:$build/simulator/runtime/6:$build/simulator/runtime/7
@@ -34,22 +35,24 @@ done
 echo "== node_exporter"
 mkdir "$work/textfile"
 # The command of the unit, with this folder for the machine's.
-command=$(sed -n 's/^ExecStart=//p' "$fleet/kestrel-metrics.service")
-command=${command//\/usr\/share\/kestrelcore\/fleet/$fleet}
-command=${command//\/var\/lib\/prometheus\/node-exporter/$work/textfile}
-$command
+read -ra command < <(sed -n 's/^ExecStart=//p' "$fleet/kestrel-metrics.service")
+command=("${command[@]//\/usr\/share\/kestrelcore\/fleet/$fleet}")
+command=("${command[@]//\/var\/lib\/prometheus\/node-exporter/$work/textfile}")
+"${command[@]}"
 "$tools/prometheus-node-exporter" --collector.disable-defaults --collector.textfile \
   --collector.textfile.directory="$work/textfile" --web.listen-address=127.0.0.1:0 \
   2>"$work/exporter.log" &
 exporter=$!
-address=
-for _ in $(seq 100); do
-  address=$(sed -n 's/.*msg="Listening on" address=//p' "$work/exporter.log")
-  [ -z "$address" ] || break
+# As long as it takes, within the limit that script/fleet sets.
+until
+  address=$(sed -n 's/.*msg="Listening on" address=//p' "$work/exporter.log" 2>/dev/null)
+  [ -n "$address" ]
+do
+  kill -0 "$exporter" 2>/dev/null || fail "node_exporter has ended: $(cat "$work/exporter.log")"
   sleep 0.1
 done
-[ -n "$address" ] || fail "node_exporter does not listen: $(cat "$work/exporter.log")"
-/usr/bin/python3 -c 'import sys, urllib.request
+# Directly, where the environment names a proxy.
+no_proxy=127.0.0.1 /usr/bin/python3 -c 'import sys, urllib.request
 print(urllib.request.urlopen(sys.argv[1], timeout=30).read().decode())' \
   "http://$address/metrics" >"$work/served"
 grep '^kestrel_gpu_memory_bytes{device="0"} 8.589934592e+09$' "$work/served" ||
@@ -61,7 +64,7 @@ before=$(cat "$work/textfile/kestrel.prom")
 mkdir "$work/broken"
 printf '#!/bin/sh\nexit 74\n' >"$work/broken/kestrel"
 chmod +x "$work/broken/kestrel"
-if PATH=$work/broken:$PATH $command; then
+if PATH=$work/broken:$PATH "${command[@]}"; then
   fail "kestrel-report hides a failure"
 fi
 [ "$(cat "$work/textfile/kestrel.prom")" = "$before" ] || fail "the metrics are lost"
@@ -70,8 +73,12 @@ fi
 echo "== Ansible"
 mkdir "$work/facts.d"
 cp "$fleet/kestrel.fact" "$work/facts.d"
-HOME=$work ANSIBLE_LOCALHOST_WARNING=false ansible --inventory localhost, --connection local \
-  localhost -m setup -a "filter=ansible_local fact_path=$work/facts.d" >"$work/facts"
+# In that folder, since Ansible splits the path of a fact at its blanks.
+(
+  cd "$work"
+  HOME=$work ANSIBLE_LOCALHOST_WARNING=false ansible --inventory localhost, --connection local \
+    localhost -m setup -a "filter=ansible_local fact_path=facts.d" >facts
+)
 grep -q '"name": "AMD Radeon RX 7600"' "$work/facts" || fail "no fact: $(cat "$work/facts")"
 grep '"memory_bytes": 8589934592' "$work/facts" || fail "no fact: $(cat "$work/facts")"
 
