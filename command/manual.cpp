@@ -127,7 +127,10 @@ const Manual& HarnessManual() {
       "kestrel-harness",
       "Print reports of the hardware survey and the meters of kestrelcore",
       {"Runs the chosen tests of the library kestrelcore and prints their reports, once or in "
-       "repeated cycles. It is made to look at the library's figures; scripts use kestrel(1)."},
+       "repeated cycles. It is made to look at the library's figures; scripts use kestrel(1).",
+       "An unknown option, or a value that is no number, ends it by an uncaught exception "
+       "(SIGABRT). "
+       "The exit status does not show whether the reports could be written."},
       {{"--cpu-test", "", "", "CPU test", {}, ""},
        {"--pid", "p", "PID", "Process ID", {}, "-1"},
        {"--split_ms", "s", "MS", "CPU measurement split", {}, "500"},
