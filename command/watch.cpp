@@ -58,6 +58,7 @@ class Shares {
     ProcessSample process = processes_[index];
     process.running = kestrel_cpu_usage(process.pid, static_cast<std::int32_t>(interval.count()),
                                         &process.percent, &result) == KESTREL_OK;
+    process.was_measured = process.was_measured || process.running;
     const std::lock_guard lock(mutex_);
     processes_[index] = process;
     if (--pending_ == 0) {

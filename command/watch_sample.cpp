@@ -46,6 +46,10 @@ std::string PercentText(float percent) {
   return text.data();
 }
 
+std::string StateText(const ProcessSample& process) {
+  return process.was_measured ? "ended" : "cannot be measured";
+}
+
 std::string SampleText(const Sample& sample) {
   std::string text = "RAM " + Figure(sample.available_bytes) + " available";
   for (const VramSample& vram : sample.vram) {
@@ -54,7 +58,7 @@ std::string SampleText(const Sample& sample) {
   for (const ProcessSample& process : sample.processes) {
     text += "; PID " + std::to_string(process.pid) + " ";
     text += process.running ? PercentText(process.percent) + " " + Figure(process.resident_bytes)
-                            : "ended";
+                            : StateText(process);
   }
   return text + "\n";
 }

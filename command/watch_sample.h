@@ -13,6 +13,7 @@ struct ProcessSample {
   bool running = true;  // false once it cannot be measured any more
   float percent = 0;    // of all processors
   std::optional<std::uint64_t> resident_bytes;
+  bool was_measured = false;  // in this sample or in an earlier one
 };
 
 struct VramSample {
@@ -35,6 +36,10 @@ void MeasureMemory(Sample& sample);
 
 // "12.5 %"
 std::string PercentText(float percent);
+
+// Of a process that is not running: "ended". One that was never measured need not have ended: the
+// caller may not be allowed to query it, or the number may be that of a thread.
+std::string StateText(const ProcessSample& process);
 
 // One line, with its newline.
 std::string SampleText(const Sample& sample);

@@ -57,7 +57,7 @@ void WatchTable::Add(const Sample& sample) {
   for (const ProcessSample& process : sample.processes) {
     const std::string value =
         process.running ? PercentText(process.percent) + "  " + Figure(process.resident_bytes)
-                        : "ended";
+                        : StateText(process);
     Set(row++, "PID " + std::to_string(process.pid), value, 0,
         process.running ? static_cast<double>(process.percent) : 0);
   }

@@ -36,7 +36,7 @@ FAILURES = re.compile("|".join([
     r' +"limit": "unknown",',
     r"RAM unknown available",
     r"VRAM \d+ unknown free",
-    r"PID \d+ (ended|\d+\.\d % unknown)",
+    r"PID \d+ (ended|cannot be measured|\d+\.\d % unknown)",
     r"\[\[fault\]\]",
     r"device = (\[\]|\d+)",  # of `record`, up to the status
     r"claimed_device_count = -?\d+",

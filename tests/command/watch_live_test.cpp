@@ -128,6 +128,17 @@ TEST_F(WatchLiveTest, LinesAreTextWithoutATerminal) {
                                       "1 3.00 GiB free; PID 4711 0.0 % 0 B\n"}));
 }
 
+TEST_F(WatchLiveTest, ProcessThatWasMeasuredOnceHasEndedAfterwards) {
+  Terminal().is_terminal = false;
+  Platform().Fail("Process::Open", 3);  // it is opened twice for the first sample
+  auto request = Request();
+  request.pids = {4711};
+  Watch(request);
+  ASSERT_EQ(written_.size(), 2U);
+  EXPECT_NE(written_[0].find("PID 4711 0.0 %"), std::string::npos) << written_[0];
+  EXPECT_NE(written_[1].find("PID 4711 ended"), std::string::npos) << written_[1];
+}
+
 TEST_F(WatchLiveTest, InterruptAfterASampleLeavesItOut) {
   auto request = Request();
   request.pids = {4711};

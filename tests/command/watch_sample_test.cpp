@@ -14,7 +14,7 @@ Sample ExampleSample() {
   sample.time = std::chrono::milliseconds(1'700'000'000'123);
   sample.available_bytes = 6 * kGiB;
   sample.vram = {{0, 8 * kGiB, 7 * kGiB}, {1, 4 * kGiB, std::nullopt}};
-  sample.processes = {{4711, true, 12.5F, kGiB}, {12, false, 0, std::nullopt}};
+  sample.processes = {{4711, true, 12.5F, kGiB, true}, {12, false, 0, std::nullopt, true}};
   return sample;
 }
 
@@ -22,6 +22,12 @@ TEST(WatchSampleTest, TextIsOneLine) {
   EXPECT_EQ(command::SampleText(ExampleSample()),
             "RAM 6.00 GiB available; VRAM 0 7.00 GiB free; VRAM 1 unknown free; PID 4711 12.5 % "
             "1.00 GiB; PID 12 ended\n");
+}
+
+TEST(WatchSampleTest, ProcessThatWasNeverMeasuredHasNotEnded) {
+  Sample sample;
+  sample.processes = {{12, false, 0, std::nullopt, false}};
+  EXPECT_EQ(command::SampleText(sample), "RAM unknown available; PID 12 cannot be measured\n");
 }
 
 TEST(WatchSampleTest, JsonIsOneLineWithNullForWhatIsUnknown) {

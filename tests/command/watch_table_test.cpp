@@ -27,7 +27,7 @@ Sample ExampleSample(float percent) {
   sample.physical_bytes = 16 * kGiB;
   sample.available_bytes = 8 * kGiB;
   sample.vram = {{0, 8 * kGiB, 8 * kGiB}, {1, 8 * kGiB, std::nullopt}};
-  sample.processes = {{4711, true, percent, kGiB}, {12, false, 0, std::nullopt}};
+  sample.processes = {{4711, true, percent, kGiB, true}, {12, false, 0, std::nullopt, true}};
   return sample;
 }
 
@@ -46,6 +46,14 @@ TEST(WatchTableTest, EachLineHasItsFigureAndItsGraph) {
           "kestrel watch", "available RAM             8.00 GiB  ===",
           "free VRAM 0               8.00 GiB  ###", "free VRAM 1                unknown     ",
           "PID 4711          50.0 %  1.00 GiB   =#", "PID 12                       ended     "}));
+}
+
+TEST(WatchTableTest, ProcessThatWasNeverMeasuredHasNotEnded) {
+  Sample sample = ExampleSample(0);
+  sample.processes[1].was_measured = false;
+  WatchTable table("kestrel watch", /*blocks=*/false);
+  table.Add(sample);
+  EXPECT_EQ(table.Lines({80, 24})[5], "PID 12          cannot be measured   ");
 }
 
 TEST(WatchTableTest, GraphsUseBlocksOnATerminalThatShowsThem) {
