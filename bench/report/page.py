@@ -39,18 +39,24 @@ STARTS = {
 REASONS = (
     (
         ("getAvailableRAM", "willFailToAllocate"),
-        "`getAvailableRAM` and `willFailToAllocate` also find out which memory group they are in, and check "
-        "that the group's files are those of the kernel.",
+        "`getAvailableRAM` and `willFailToAllocate` also check that `/sys/fs/cgroup` shows the whole hierarchy "
+        "of memory groups, and that the path of the own group begins at its top. Otherwise a container that "
+        "mounts the machine's hierarchy would get the limits of another group.",
     ),
     (
-        ("getProcessUsedRAM, own process", "getProcessUsedRAM, another process"),
-        "`getProcessUsedRAM` refuses the id of a thread and a `/proc` of another process namespace. libgtop "
-        "reads the file alone.",
+        ("getProcessUsedRAM, own process",),
+        "`getProcessUsedRAM` opens `/proc/self/statm` for the calling process, which is right in the `/proc` of "
+        "any process namespace. The kernel takes a tenth of the time of the call to follow that link.",
+    ),
+    (
+        ("getProcessUsedRAM, another process",),
+        "`getProcessUsedRAM` refuses the id of a thread and a `/proc` of another process namespace, which takes "
+        "a fifth of its time for another process. libgtop reads the file alone.",
     ),
     (
         ("GetCpuUsage, another process",),
-        "`GetCpuUsage` counts the online processors at every call, which takes a third of its time for "
-        "another process.",
+        "`GetCpuUsage` counts the online processors at every call, which takes half of its time for another "
+        "process. The kernel offers no faster way that is right for a process confined to some processors.",
     ),
     (
         ("accuracy",),
