@@ -267,14 +267,13 @@ TEST_F(HipRuntimeTest, CallsAreRecordedInOrder) {
   static_cast<void>(hipGetErrorString(hipErrorNoDevice));
   static_cast<void>(hipMalloc(&memory, 16));
   static_cast<void>(hipFree(memory));
-  const std::vector<std::string> expected = {"hipInit(0)",
-                                             "hipGetDeviceCount()",
-                                             "hipGetDeviceProperties(1)",
-                                             "hipSetDevice(-1)",
-                                             "hipMemGetInfo()",
-                                             "hipGetErrorString(100)",
-                                             "hipMalloc(16)",
-                                             "hipFree()"};
+  static_cast<void>(hipGetErrorName(hipErrorNotReady));
+  static_cast<void>(hipGetLastError());
+  const std::vector<std::string> expected = {
+      "hipInit(0)",       "hipGetDeviceCount()", "hipGetDeviceProperties(1)",
+      "hipSetDevice(-1)", "hipMemGetInfo()",     "hipGetErrorString(100)",
+      "hipMalloc(16)",    "hipFree()",           "hipGetErrorName(600)",
+      "hipGetLastError()"};
   EXPECT_EQ(RecordedCalls(), expected);
   Install({});
   EXPECT_TRUE(RecordedCalls().empty());
