@@ -91,11 +91,10 @@ class Scanner {
 
   // A header's brackets close in its line; if they do not, the parser stops there.
   void ScanHeader() {
-    at_line_start_ = false;
     const std::size_t brackets = Peek(1) == '[' ? 2 : 1;
     open_brackets_.assign(brackets, '[');
     position_ += brackets;
-    while (IsOneOf(Peek(), " \t") && position_ < text_.size()) {
+    while (IsOneOf(Peek(), " \t")) {
       ++position_;
     }
     if (!IsKeyCharacter(Peek()) && !IsQuote(Peek())) {
