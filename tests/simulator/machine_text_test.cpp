@@ -50,7 +50,8 @@ TEST(MachineTextTest, HeaderMayFollowACommentOnTheLineBefore) {
 }
 
 TEST(MachineTextTest, HeaderMayBeginWithAnyCharacterOfAKey) {
-  for (const char character : std::string("azAZ09_-")) {
+  const std::string characters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-";
+  for (const char character : characters) {
     EXPECT_EQ(ProblemOf(std::string("[") + character + "]"), "") << character;
   }
   for (const char character : std::string("`{@[/:+.")) {
@@ -119,6 +120,14 @@ TEST(MachineTextTest, DateOrTimeIsAProblem) {
   EXPECT_EQ(ProblemOf("1-a:2 = -1_000\nb = [-1, 'x-1:2'] # 1-1:1\n"), "");
 }
 
+TEST(MachineTextTest, MissingValueOrCommaAtTheEndOfALineIsLeftToTheParser) {
+  EXPECT_EQ(ProblemOf("a =\nb-c = 1"), "");
+  EXPECT_EQ(ProblemOf("a = [1\nb-c]"), "");
+  EXPECT_EQ(ProblemOf("a = ['x'\nb-c]"), "");
+  EXPECT_EQ(ProblemOf("a = [[]\nb-c]"), "");
+  EXPECT_EQ(ProblemOf("a = [\n1-2]"), "2:2: a value must not be a date or a time");
+}
+
 TEST(MachineTextTest, UnmatchedBracketIsAProblem) {
   const std::string bracket = "a bracket is closed that is not open";
   EXPECT_EQ(ProblemOf("a = [}"), "1:6: " + bracket);
@@ -130,6 +139,19 @@ TEST(MachineTextTest, UnmatchedBracketIsAProblem) {
 TEST(MachineTextTest, StringIsFollowedAcrossItsLines) {
   EXPECT_EQ(ProblemOf("a = \"\"\"\n[+x]\n\"\"\"\n[+x]"), "4:2: " + kNoKey);
   EXPECT_EQ(ProblemOf("a = '''\n[+x]\n'''\n[+x]"), "4:2: " + kNoKey);
+}
+
+TEST(MachineTextTest, OneOrTwoQuotesDoNotEndAStringOfSeveralLines) {
+  for (const char* content : {"\"", "\"\"", "\"x\"", "x\"\"y"}) {
+    EXPECT_EQ(ProblemOf(std::string("a = \"\"\"") + content + "\n[+x]\n\"\"\"\n[+x]"),
+              "4:2: " + kNoKey)
+        << content;
+  }
+}
+
+TEST(MachineTextTest, QuoteRightAfterAStringIsLeftToTheParser) {
+  EXPECT_EQ(ProblemOf("a = 'x''\xc9\x96'"), "");
+  EXPECT_EQ(ProblemOf("a = \"\"\"x\"\"\"\"\"\"\xc9\x96\""), "");
 }
 
 TEST(MachineTextTest, ManyDotsInOneLineAreAProblem) {
