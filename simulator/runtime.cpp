@@ -64,8 +64,8 @@ bool Runtime::Started() const {
 }
 
 const Device* Runtime::DeviceAt(int index) const {
-  const bool exists = index >= 0 && static_cast<std::size_t>(index) < machine_.devices.size();
-  return exists ? &machine_.devices[static_cast<std::size_t>(index)] : nullptr;
+  const auto position = static_cast<std::size_t>(index);  // of a negative index, beyond any list
+  return position < machine_.devices.size() ? &machine_.devices[position] : nullptr;
 }
 
 hipError_t Runtime::Allocate(int device, std::size_t size, void** address) {
