@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "simulator/control.h"
+#include "simulator/runtime.h"
 
 namespace kestrel::tests {
 
@@ -57,6 +58,10 @@ class HipRuntimeTest : public Test {
  protected:
   void TearDown() override { Install({}); }
 };
+
+TEST_F(HipRuntimeTest, OneMutexGuardsTheRuntime) {
+  EXPECT_EQ(&simulator::RuntimeMutex(), &simulator::RuntimeMutex());
+}
 
 TEST_F(HipRuntimeTest, PropertiesAreThoseOfTheMachine) {
   Install({{{"a card", "gfx1100", 0, 10, 5, 7}, {"an APU", "gfx1103", 1, 20, 30, 40}}, {}, {}});
@@ -331,6 +336,18 @@ TEST_F(HipRuntimeTest, EveryFaultCountsItsMatchingCalls) {
   EXPECT_EQ(hipGetDeviceCount(&count), hipSuccess);
 }
 
+TEST_F(HipRuntimeTest, FirstFaultThatACallMeetsDecidesItsStatus) {
+  Machine machine = MachineWith(1);
+  machine.faults = {{"hipInit", {}, {}, hipErrorNotReady}, {"hipInit", {}, {}, hipErrorUnknown}};
+  Install(machine);
+  EXPECT_EQ(hipInit(0), hipErrorNotReady);
+}
+
+TEST_F(HipRuntimeTest, FaultPrecedesTheFailureWithoutDevices) {
+  Install({{}, {}, {{"hipInit", {}, {}, hipErrorNotReady}}});
+  EXPECT_EQ(hipInit(0), hipErrorNotReady);
+}
+
 TEST_F(HipRuntimeTest, FailingSetDeviceKeepsTheCurrentDevice) {
   Install(WithFault(MachineWith(3), {"hipSetDevice", 2, {}, hipErrorUnknown}));
   EXPECT_EQ(hipSetDevice(1), hipSuccess);
@@ -393,6 +410,19 @@ TEST_F(HipRuntimeTest, AllocationsDoNotOverlap) {
   ASSERT_EQ(hipMalloc(&second, 1), hipSuccess);
   EXPECT_GE(reinterpret_cast<std::uintptr_t>(second),
             reinterpret_cast<std::uintptr_t>(first) + 10000);
+}
+
+TEST_F(HipRuntimeTest, MallocBeyondTheLastAddressFails) {
+  const std::size_t most = std::numeric_limits<std::size_t>::max();
+  Install({{{"a card", "gfx1100", 0, most, most, most}}, {}, {}});
+  void* first = nullptr;
+  void* second = nullptr;
+  ASSERT_EQ(hipMalloc(&first, 1), hipSuccess);
+  const std::size_t next = reinterpret_cast<std::uintptr_t>(first) + 4096;
+  const std::size_t space = most - next - 4096;  // the last page stays free
+  EXPECT_EQ(hipMalloc(&second, space + 1), hipErrorOutOfMemory);
+  EXPECT_EQ(hipMalloc(&second, space), hipSuccess);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(second), next);
 }
 
 TEST_F(HipRuntimeTest, MallocOfMoreThanIsFreeFails) {

@@ -106,11 +106,13 @@ TEST(VisibleDevicesTest, FaultFollowsItsDevice) {
 TEST(VisibleDevicesTest, FaultOfClaimedDeviceAndClaimedCountStay) {
   Machine machine = MachineOfThree();
   machine.claimed_device_count = 5;
-  machine.faults = {{"hipSetDevice", 4, {}, hipErrorUnknown}};
+  machine.faults = {{"hipSetDevice", 3, {}, hipErrorUnknown},
+                    {"hipSetDevice", 4, {}, hipErrorUnknown}};
   const Machine visible = VisiblePart(machine, {{}, {}, "0", true});
   EXPECT_EQ(visible.claimed_device_count, 5);
-  ASSERT_EQ(visible.faults.size(), 1U);
-  EXPECT_EQ(visible.faults[0].device, 4);
+  ASSERT_EQ(visible.faults.size(), 2U);
+  EXPECT_EQ(visible.faults[0].device, 3);
+  EXPECT_EQ(visible.faults[1].device, 4);
 }
 
 }  // namespace
