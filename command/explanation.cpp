@@ -74,12 +74,13 @@ bool IsAbout(std::uint64_t figure, std::uint64_t other) {
   return difference <= std::max(figure, other) / 20;
 }
 
-// On an APU, HIP counts the carve-out, the memory that the graphics can map, or both.
+// On an APU, HIP counts the carve-out, the memory that the graphics can map, or both. A driver may
+// report figures whose sum exceeds 64 bits.
 bool MayBe(const Card& card, const Gpu& gpu) {
   const std::uint64_t vram = card.vram_total.value_or(0);
   const std::uint64_t gtt = card.gtt_total.value_or(0);
   return IsAbout(vram, gpu.total_bytes) || IsAbout(gtt, gpu.total_bytes) ||
-         IsAbout(vram + gtt, gpu.total_bytes);
+         (gtt <= UINT64_MAX - vram && IsAbout(vram + gtt, gpu.total_bytes));
 }
 
 void DescribeGpu(Section& section, const Gpu& gpu) {

@@ -298,6 +298,13 @@ TEST(ExplanationTest, SizesWithinFivePercentMatch) {
   EXPECT_TRUE(matches(both, 700));
 }
 
+TEST(ExplanationTest, FiguresWhoseSumExceeds64BitsMatchNoGpuByIt) {
+  constexpr std::uint64_t kHalf = std::uint64_t{1} << 63U;
+  const Card card = {"card0", "", "amdgpu", kHalf, std::nullopt, kHalf + 1000, std::nullopt};
+  EXPECT_EQ(command::MatchCards({card}, {HipGpu(0, "Discrete", 1000), HipGpu(1, "Discrete", 1)}),
+            (std::vector<std::size_t>{2}));
+}
+
 // Neither kernel nor HIP has a figure.
 TEST(ExplanationTest, CardAndGpuWithoutMemoryMatch) {
   const Card card = {"card0", "", "", std::nullopt, std::nullopt, std::nullopt, std::nullopt};
