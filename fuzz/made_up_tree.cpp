@@ -95,26 +95,47 @@ MadeUpTree::~MadeUpTree() {
   }
 }
 
-void MadeUpTree::Add(const std::string& path, const std::string& text) {
-  if (path.empty() || path.front() != '/' || nodes_.size() > kMostFiles) {
-    return;
+bool MadeUpTree::Add(const std::string& path, const std::string& text) {
+  const bool is_directory = !path.empty() && path.back() == '/';
+  const Path names = MakePlace(is_directory ? path.substr(0, path.size() - 1) : path, is_directory);
+  if (!names.empty() && !is_directory) {
+    WriteFile(Joined(root_, names, names.size()), text);
+    nodes_[names] = text;
   }
-  const bool is_directory = path.back() == '/';
-  const Path names = NamesOf(is_directory ? path.substr(0, path.size() - 1) : path);
+  return !names.empty();
+}
+
+bool MadeUpTree::AddLink(const std::string& path, const std::string& target) {
+  constexpr std::size_t kLongestTarget = 4095;  // PATH_MAX with its NUL
+  const bool usable =
+      !target.empty() && target.size() <= kLongestTarget && target.find('\0') == std::string::npos;
+  const Path names = usable ? MakePlace(path, false) : Path();
+  if (!names.empty()) {
+    Require(symlink(target.c_str(), Joined(root_, names, names.size()).c_str()) == 0,
+            "a link of the tree can be made");
+    nodes_[names] = target;
+  }
+  return !names.empty();
+}
+
+// Makes the directories above a new node, and the node too if it is one. Returns its path; empty if
+// there can be no such node.
+MadeUpTree::Path MadeUpTree::MakePlace(const std::string& path, bool is_directory) {
+  if (path.empty() || path.front() != '/' || nodes_.size() > kMostFiles) {
+    return {};
+  }
+  const Path names = NamesOf(path);
   if (names.empty() || nodes_.count(names) != 0) {
-    return;
+    return {};
   }
   for (std::size_t count = 1; count < names.size(); ++count) {
     const auto parent = nodes_.find(Path(names.begin(), names.begin() + static_cast<long>(count)));
     if (parent != nodes_.end() && parent->second) {
-      return;
+      return {};
     }
   }
   MakeDirectories(names, is_directory ? names.size() : names.size() - 1);
-  if (!is_directory) {
-    WriteFile(Joined(root_, names, names.size()), text);
-    nodes_[names] = text;
-  }
+  return names;
 }
 
 void MadeUpTree::MakeDirectories(const Path& path, std::size_t count) {

@@ -21,6 +21,13 @@ class MadeUpTree {
   MadeUpTree& operator=(const MadeUpTree&) = delete;
   ~MadeUpTree();
 
+  // Makes a file, or a directory if the path ends with "/". Returns false if a file system could
+  // not have it, or if it exists.
+  bool Add(const std::string& path, const std::string& text);
+
+  // Makes a symbolic link, which Read() takes for a file.
+  bool AddLink(const std::string& path, const std::string& target);
+
   // The temporary directory; every path below begins with it.
   [[nodiscard]] const std::string& root() const { return root_; }
 
@@ -38,7 +45,7 @@ class MadeUpTree {
 
  private:
   using Path = std::vector<std::string>;
-  void Add(const std::string& path, const std::string& text);
+  Path MakePlace(const std::string& path, bool is_directory);
   void MakeDirectories(const Path& path, std::size_t count);
 
   std::string root_;

@@ -7,6 +7,11 @@ cmake_minimum_required(VERSION 3.25)
 
 include("${CMAKE_CURRENT_LIST_DIR}/../run_command.cmake")
 
+# The made-up machines are files, which are fastest in memory.
+if(IS_DIRECTORY /dev/shm)
+  set(ENV{TMPDIR} /dev/shm)
+endif()
+
 # libFuzzer writes new inputs to the first folder, and only reads the second.
 file(REMOVE_RECURSE "${WORK}")
 file(MAKE_DIRECTORY "${WORK}/new")
