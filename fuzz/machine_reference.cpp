@@ -430,6 +430,27 @@ std::uint64_t ReserveOf(std::uint64_t user, std::uint64_t admin, const StatusFig
   return Plus(std::min(user, status.address_space >> 5U), status.has_sys_admin ? 0 : admin);
 }
 
+std::optional<std::uint32_t> CountOfList(const std::string& text) {
+  constexpr std::uint64_t kLimit = 1'000'000;  // beyond it the parser refuses a number
+  if (text.empty() || text.find('\n') != text.size() - 1) {
+    return std::nullopt;
+  }
+  std::uint64_t count = 0;
+  std::optional<std::uint64_t> before;
+  for (const std::string& range : Split(text.substr(0, text.size() - 1), ',')) {
+    const std::vector<std::string> ends = Split(range, '-');
+    const auto first = WholeNumber(ends.front());
+    const auto last = WholeNumber(ends.back());
+    const bool in_order = first && last && *first <= *last && (!before || *before < *first);
+    if (ends.size() > 2 || !in_order || *last >= kLimit) {
+      return std::nullopt;
+    }
+    count += *last - *first + 1;
+    before = last;
+  }
+  return static_cast<std::uint32_t>(count);
+}
+
 GroupLookup GroupOf(const MadeUpTree& tree, bool by_first_thread) {
   Reader reader(tree);
   const auto group = FindGroup(reader, by_first_thread);

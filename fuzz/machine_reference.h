@@ -29,6 +29,9 @@ StatusFigures StatusFiguresOf(const std::vector<std::string>& lines);
 
 std::uint64_t ReserveOf(std::uint64_t user, std::uint64_t admin, const StatusFigures& status);
 
+// Counts the processors of a list such as "0-3,8", which ends with a newline.
+std::optional<std::uint32_t> CountOfList(const std::string& text);
+
 struct Group {
   bool is_v1 = false;
   std::string directory;
