@@ -63,7 +63,7 @@ std::vector<Card> ReadCards(const std::string& /*root*/) {
   std::array<wchar_t, 256> name{};
   DWORD length = static_cast<DWORD>(name.size());
   for (DWORD i = 0; RegEnumKeyExW(adapters, i, name.data(), &length, nullptr, nullptr, nullptr,
-                                  nullptr) != ERROR_NO_MORE_ITEMS;
+                                  nullptr) == ERROR_SUCCESS;
        ++i, length = static_cast<DWORD>(name.size())) {
     if (IsFromAmd(TextValue(adapters, name.data(), L"MatchingDeviceId"))) {
       Card card;
