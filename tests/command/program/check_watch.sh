@@ -7,6 +7,7 @@ set -u
 kestrel=$1
 socket=kestrel-watch-$$
 export LC_ALL=C.UTF-8
+export SHELL=/bin/sh # that of the user may be another language, or none
 
 tmux_do() {
   tmux -L "$socket" -f /dev/null "$@"
@@ -40,9 +41,9 @@ expect_table() {
   fi
 }
 
-sleep 60 &
+sleep 600 &
 first=$!
-sleep 60 &
+sleep 600 &
 second=$!
 trap finish EXIT
 

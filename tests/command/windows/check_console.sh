@@ -4,6 +4,7 @@
 set -u
 
 socket=kestrel-console-$$
+export SHELL=/bin/sh # that of the user may be another language, or none
 trap 'tmux -L "$socket" kill-server 2>/dev/null' EXIT
 tmux -L "$socket" -f /dev/null new-session -d -x 80 -y 12 "$1; cat"
 tries=0
