@@ -74,10 +74,10 @@ in_bash kestrel watch "$$" | grep -q -w "$$" || fail "bash does not complete pro
 expect "$(in_bash kestrel-harness --cpu)" --cpu-test
 in_bash kestrel-harness -p "$$" | grep -q -w "$$" || fail "bash does not complete -p"
 
-# An interactive bash, with a key.
+# An interactive bash, with a key. It leaves the user's history alone.
 # shellcheck disable=SC2016
 typed=$(printf '%s\n' ". '$folder/kestrel.bash'" 'kestrel() { echo "run: $*"; }' \
-  $'kestrel expl\t' exit | TERM=dumb bash --norc -i 2>/dev/null)
+  $'kestrel expl\t' exit | TERM=dumb HISTFILE='' bash --norc -i 2>/dev/null)
 case "$typed" in
   *"run: explain"*) ;;
   *) fail "interactive: $typed" ;;
