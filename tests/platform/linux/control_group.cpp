@@ -55,13 +55,14 @@ ControlGroup::ControlGroup(const Hierarchy& hierarchy, const std::string& parent
   EXPECT_EQ(mkdir(directory_.c_str(), 0755), 0) << directory_ << ": " << std::strerror(errno);
 }
 
-// A group stays busy for a moment after its last process has been reaped.
+// A group stays busy for a moment after its last process has been reaped, however long that is on a
+// busy machine.
 ControlGroup::~ControlGroup() {
   int result = -1;
-  for (int attempt = 0; attempt < 100 && (result = rmdir(directory_.c_str())) != 0; ++attempt) {
+  while ((result = rmdir(directory_.c_str())) != 0 && errno == EBUSY) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }
-  EXPECT_EQ(result, 0) << directory_ << " could not be removed";
+  EXPECT_EQ(result, 0) << directory_ << " could not be removed: " << std::strerror(errno);
 }
 
 void ControlGroup::Limit(std::uint64_t bytes) {
