@@ -59,7 +59,7 @@ if(actual MATCHES "terminate called after throwing an instance of '([a-zA-Z_:]+)
 endif()
 string(APPEND actual "---- exit status ${status} ----\n")
 # Figures of the real machine.
-string(REGEX REPLACE "(Machine physical RAM|Free RAM)( \\.+ )[0-9]+\\.[0-9][0-9] [MGT]iB\n"
+string(REGEX REPLACE "(Machine physical RAM|Free RAM)( \\.+ )[0-9]+\\.[0-9][0-9] [KMGT]iB\n"
                      "\\1\\2(real)\n" actual "${actual}")
 string(REGEX REPLACE "(CPU Usage [^.]* \\.+ )[0-9][0-9.e+-]*%" "\\1(real)%" actual "${actual}")
 string(REGEX REPLACE "(Mem Usage [^.]* \\.+ )[0-9.]+ [KMG]B%" "\\1(real)%" actual "${actual}")
