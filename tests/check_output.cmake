@@ -2,7 +2,8 @@
 #
 #   cmake -DRUN=... -DRUNTIME=... -DMACHINE=... -DEXPECTED=... -DACTUAL=... -P check_output.cmake
 #
-# RUN       the command, with an emulator before it in a cross build
+# RUN       the command, with an emulator before it in a cross build; OWN_PID stands for the process that
+#           runs this script, on Linux
 # RUNTIME   the folder that holds the HIP runtime; empty if it is next to the program
 # MACHINE   the machine file to simulate; without one there is no GPU. The program runs in the folder
 #           of the file, so that messages name the file without its folder.
@@ -32,6 +33,11 @@ else()
   set(ENV{HIP_VISIBLE_DEVICES} -1) # hides real GPUs from the real runtime
 endif()
 
+set(pid OWN_PID)
+if(IS_SYMLINK "/proc/self")
+  file(READ_SYMLINK "/proc/self" pid)
+endif()
+list(TRANSFORM RUN REPLACE "^OWN_PID$" "${pid}")
 execute_process(
   COMMAND ${RUN}
   WORKING_DIRECTORY "${folder}"
@@ -59,6 +65,7 @@ if(actual MATCHES "terminate called after throwing an instance of '([a-zA-Z_:]+)
 endif()
 string(APPEND actual "---- exit status ${status} ----\n")
 # Figures of the real machine.
+string(REPLACE "PID '${pid}'" "PID 'OWN_PID'" actual "${actual}")
 string(REGEX REPLACE "(Machine physical RAM|Free RAM)( \\.+ )[0-9]+\\.[0-9][0-9] [KMGT]iB\n"
                      "\\1\\2(real)\n" actual "${actual}")
 string(REGEX REPLACE "(CPU Usage [^.]* \\.+ )[0-9][0-9.e+-]*%" "\\1(real)%" actual "${actual}")

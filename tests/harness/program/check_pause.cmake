@@ -1,6 +1,8 @@
 # The harness takes at least as long as it has to wait. There is no upper bound to test, since a
 # busy machine may take any time.
 #
+# OWN_PID in the command stands for the process that runs this script, on Linux.
+#
 #   cmake -DRUN=... -DRUNTIME=... -DMILLISECONDS=... -P check_pause.cmake
 
 cmake_minimum_required(VERSION 3.25)
@@ -22,6 +24,10 @@ function(read_clock result)
   set(${result} "${time}" PARENT_SCOPE)
 endfunction()
 
+if(IS_SYMLINK "/proc/self")
+  file(READ_SYMLINK "/proc/self" pid)
+  list(TRANSFORM RUN REPLACE "^OWN_PID$" "${pid}")
+endif()
 read_clock(start)
 execute_process(COMMAND ${RUN} OUTPUT_QUIET ERROR_QUIET
                 RESULT_VARIABLE status)
