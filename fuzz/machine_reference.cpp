@@ -363,7 +363,7 @@ std::uint64_t Reserve(Reader& reader) {
   const std::uint64_t user = bytes("user_reserve_kbytes");
   const std::uint64_t admin = bytes("admin_reserve_kbytes");
   auto status = StatusFiguresOf(reader.Lines(reader.root() + "/proc/thread-self/status"));
-  status.has_sys_admin = false;  // no made-up file has the inode of the first user namespace
+  status.has_sys_admin = false;  // no made-up file has the inode of the initial user namespace
   return ReserveOf(user, admin, status);
 }
 

@@ -213,23 +213,23 @@ bool IsTopOfHierarchy(const FileDescriptor& directory, CgroupVersion version) no
 }
 
 // The link is read, not followed: it holds the number, and following it takes twice as long.
-bool IsInFirstNamespace() noexcept {
-  constexpr std::string_view kFirst = "cgroup:[4026531835]";  // PROC_CGROUP_INIT_INO
-  std::array<char, kFirst.size() + 1> link;
+bool IsInInitialNamespace() noexcept {
+  constexpr std::string_view kInitial = "cgroup:[4026531835]";  // PROC_CGROUP_INIT_INO
+  std::array<char, kInitial.size() + 1> link;
   const ssize_t size = readlink(kNamespaceLink, link.data(), link.size());
-  return size > 0 && std::string_view(link.data(), static_cast<std::size_t>(size)) == kFirst;
+  return size > 0 && std::string_view(link.data(), static_cast<std::size_t>(size)) == kInitial;
 }
 
 // Most machines mount the whole hierarchy at its usual place. A process outside containers is in
-// the machine's first cgroup namespace, so its group's path is relative to that place. Checking
-// both takes a sixth of the time in which the kernel writes the mount table.
+// the initial cgroup namespace, so its group's path is relative to that place. Checking both takes
+// a sixth of the time in which the kernel writes the mount table.
 std::optional<MemoryCgroup> FindAtUsualPlace(const OwnGroup& own, bool& failed) noexcept {
   const char* const point =
       own.version == CgroupVersion::kV2 ? "/sys/fs/cgroup" : "/sys/fs/cgroup/memory";
   MemoryCgroup group;
   group.version = own.version;
   group.top_is_root = true;
-  if (!IsInFirstNamespace() || !group.directory.Append(point) ||
+  if (!IsInInitialNamespace() || !group.directory.Append(point) ||
       !Place(group, own.path.view(), failed) || !IsTopOfHierarchy(group.top, own.version)) {
     return std::nullopt;
   }

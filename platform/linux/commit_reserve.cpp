@@ -29,14 +29,14 @@ bool HasSysAdmin(std::string_view capabilities) noexcept {
   return parsed.ec == std::errc{} && parsed.ptr == end && (set & kSysAdmin) != 0;
 }
 
-// The capability counts in the machine's first user namespace only. Others have maps of all ids
-// too, so only the inode identifies the first one.
-bool IsInFirstUserNamespace(std::string_view root) noexcept {
-  constexpr ino_t kFirstNamespace = 0xEFFFFFFD;  // PROC_USER_INIT_INO, include/linux/proc_ns.h
+// The capability counts in the initial user namespace only. Others have maps of all ids too, so
+// only the inode identifies the initial one.
+bool IsInInitialUserNamespace(std::string_view root) noexcept {
+  constexpr ino_t kInitialNamespace = 0xEFFFFFFD;  // PROC_USER_INIT_INO, include/linux/proc_ns.h
   PathBuffer path;
   struct stat own_namespace {};
   return path.Append(root) && path.Append("/proc/thread-self/ns/user") &&
-         stat(path.c_str(), &own_namespace) == 0 && own_namespace.st_ino == kFirstNamespace;
+         stat(path.c_str(), &own_namespace) == 0 && own_namespace.st_ino == kInitialNamespace;
 }
 
 std::uint64_t ReadKibibytes(std::string_view root, std::string_view name, bool& failed) noexcept {
@@ -66,7 +66,7 @@ std::uint64_t ReadCommitReserve(std::string_view root, bool& failed) noexcept {
     ParseStatusLine(*line, figures);
   }
   failed = failed || lines.failed();
-  figures.has_sys_admin = figures.has_sys_admin && IsInFirstUserNamespace(root);
+  figures.has_sys_admin = figures.has_sys_admin && IsInInitialUserNamespace(root);
   return CommitReserve(figures);
 }
 

@@ -460,7 +460,7 @@ class UsualPlaceTest : public testing::Test {
   MachineTree tree_;
 };
 
-TEST_F(UsualPlaceTest, WholeHierarchyInFirstNamespaceIsUsed) {
+TEST_F(UsualPlaceTest, WholeHierarchyInInitialNamespaceIsUsed) {
   EXPECT_EQ(Find(), "whole /sys/fs/cgroup/a");
 }
 

@@ -83,15 +83,15 @@ TEST_F(ReadCommitReserveTest, ReserveFollowsAddressSpace) {
   EXPECT_EQ(Read(), 9 * kMebibyte);
 }
 
-// The capability counts in the first user namespace alone, and the file has not its inode.
+// The capability counts in the initial user namespace alone, and the file has not its inode.
 TEST_F(ReadCommitReserveTest, CapabilityInOtherUserNamespaceDoesNotCount) {
   tree_.Write("/proc/thread-self/status", "VmSize:\t 32768 kB\nCapEff:\t000001ffffffffff\n");
   tree_.Write("/proc/thread-self/ns/user", "");
   EXPECT_EQ(Read(), 9 * kMebibyte);
 }
 
-// The first user namespace has a fixed inode, and the link leads to this test's own namespace.
-TEST_F(ReadCommitReserveTest, CapabilityInFirstUserNamespaceCounts) {
+// The initial user namespace has a fixed inode, and the link leads to this test's own namespace.
+TEST_F(ReadCommitReserveTest, CapabilityInInitialUserNamespaceCounts) {
   tree_.Write("/proc/thread-self/status", "VmSize:\t 32768 kB\nCapEff:\t000001ffffffffff\n");
   tree_.Link("/proc/thread-self/ns/user", "/proc/thread-self/ns/user");
   struct stat own {};
