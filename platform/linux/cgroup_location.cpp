@@ -217,7 +217,8 @@ bool IsInInitialNamespace() noexcept {
   constexpr std::string_view kInitial = "cgroup:[4026531835]";  // PROC_CGROUP_INIT_INO
   std::array<char, kInitial.size() + 1> link;
   const ssize_t size = readlink(kNamespaceLink, link.data(), link.size());
-  return size > 0 && std::string_view(link.data(), static_cast<std::size_t>(size)) == kInitial;
+  return size == ssize_t{kInitial.size()} &&
+         std::string_view(link.data(), kInitial.size()) == kInitial;
 }
 
 // Most machines mount the whole hierarchy at its usual place. A process outside containers is in

@@ -85,6 +85,21 @@ TEST_F(CgroupLocationTest, Version1HierarchyMayHaveOtherControllersToo) {
             "v1 /mnt/all|/a");
 }
 
+TEST_F(CgroupLocationTest, Version1HierarchyOfOtherControllersIsIgnored) {
+  MakeGroup("/mnt/cpu/a");
+  const std::string head = "34 31 0:31 / /mnt/cpu rw - cgroup ";
+  EXPECT_EQ(Find("4:memory:/a\n", head + "cgroup rw,cpu\n"), "none");
+  EXPECT_EQ(Find("4:memory:/a\n", head + "memory,source rw,cpu\n"), "none");
+}
+
+TEST_F(CgroupLocationTest, GroupOfOtherControllersIsIgnored) {
+  MakeGroup("/sys/fs/cgroup/old");
+  MakeGroup("/sys/fs/cgroup/new");
+  const std::string mounts = MountV2("/", "/sys/fs/cgroup");
+  EXPECT_EQ(Find("4:cpu:/old\n", mounts), "none");
+  EXPECT_EQ(Find("0::/new\n4:cpu:/old\n", mounts), "v2 /sys/fs/cgroup|/new");
+}
+
 TEST_F(CgroupLocationTest, HierarchyNamedMemoryIsIgnored) {
   MakeGroup("/mnt/named/a");
   EXPECT_EQ(
@@ -174,7 +189,11 @@ TEST_F(CgroupLocationTest, GroupOfFirstThreadIsUsed) {
   MakeGroup("/sys/fs/cgroup/first");
   MakeGroup("/sys/fs/cgroup/other");
   tree_.Write("/proc/self/cgroup", "0::/first\n");
-  EXPECT_EQ(Find("0::/other\n", MountV2("/", "/sys/fs/cgroup")), "v2 /sys/fs/cgroup|/first");
+  const std::string mounts = MountV2("/", "/sys/fs/cgroup");
+  EXPECT_EQ(Find("0::/other\n", mounts), "v2 /sys/fs/cgroup|/first");
+  std::string found_by_other;
+  std::thread([&] { found_by_other = Find("0::/other\n", mounts); }).join();
+  EXPECT_EQ(found_by_other, "v2 /sys/fs/cgroup|/first");
 }
 
 TEST_F(CgroupLocationTest, GroupOfCallingThreadIsUsedAfterFirstThreadEnded) {
@@ -253,6 +272,11 @@ TEST_F(CgroupLocationTest, IncompleteEscapesAreKept) {
   EXPECT_EQ(Find("0::/\n", MountV2("/", "/a\\x2db\\")), "v2 /a\\x2db\\|");
 }
 
+TEST_F(CgroupLocationTest, DigitsWithoutABackslashAreKept) {
+  MakeGroup("/a101");
+  EXPECT_EQ(Find("0::/\n", MountV2("/", "/a101")), "v2 /a101|");
+}
+
 TEST_F(CgroupLocationTest, TagsAndSourceOfMountAreIgnored) {
   MakeGroup("/sys/fs/cgroup/a");
   const std::string head = "30 23 0:26 / /sys/fs/cgroup rw";
@@ -296,10 +320,48 @@ TEST_F(CgroupLocationTest, OverlongPathBeginsAtNearestAncestorThatFits) {
   EXPECT_EQ(Find("0::" + LongPath(12) + "\n", MountV2("/", "/cg")), "v2 /cg|" + nearest);
 }
 
+// The longest directory leaves room for the longest name of a file, with its slash and its NUL.
+constexpr std::size_t kLongestDirectory =
+    PathBuffer::kCapacity - sizeof("/memory.memsw.limit_in_bytes");
+
+TEST_F(CgroupLocationTest, LongestPathThatFitsIsThatOfTheGroup) {
+  const std::string ancestor = LongPath(8);
+  const std::size_t room = kLongestDirectory - (tree_.root() + "/cg" + ancestor + "/").size();
+  const std::string longest = ancestor + "/" + std::string(room, 'x');
+  MakeGroup("/cg" + longest);
+  MakeGroup("/cg" + longest + "x");
+  MakeGroup("/cg" + ancestor);
+  EXPECT_EQ(Find("0::" + longest + "\n", MountV2("/", "/cg")), "v2 /cg|" + longest);
+  EXPECT_EQ(Find("0::" + longest + "x\n", MountV2("/", "/cg")), "v2 /cg|" + ancestor);
+}
+
+TEST_F(CgroupLocationTest, LongestMountPointThatFitsIsUsed) {
+  const std::size_t room = kLongestDirectory - (tree_.root() + LongPath(8) + "/").size();
+  const std::string longest = LongPath(8) + "/" + std::string(room, 'x');
+  MakeGroup(longest + "/a");
+  MakeGroup(longest);
+  MakeGroup(longest + "x/a");
+  MakeGroup(longest + "x");
+  EXPECT_EQ(Find("0::/a\n", MountV2("/", longest)), "v2 " + longest + "|");
+  EXPECT_EQ(Find("0::/a\n", MountV2("/", longest + "x")), "none");
+}
+
 TEST_F(CgroupLocationTest, PathBeyondLineBufferBeginsAtAncestor) {
   const std::string nearest = LongPath(9);
   MakeGroup("/cg" + nearest);
   EXPECT_EQ(Find("0::" + LongPath(26) + "\n", MountV2("/", "/cg")), "v2 /cg|" + nearest);
+}
+
+// The line buffer has room for "0::", the root of the mount and 145 bytes more.
+TEST_F(CgroupLocationTest, NameAtTheEndOfTheLineBufferIsUsedIfItIsWhole) {
+  const std::string root = LongPath(19);
+  const std::string name = "/" + std::string(143, 'x');
+  MakeGroup("/cg" + name + "/y");
+  MakeGroup("/cg" + name + "y");
+  MakeGroup("/cg" + name);
+  MakeGroup("/cg");
+  EXPECT_EQ(Find("0::" + root + name + "/y\n", MountV2(root, "/cg")), "v2 /cg|" + name);
+  EXPECT_EQ(Find("0::" + root + name + "yz\n", MountV2(root, "/cg")), "v2 /cg|");
 }
 
 TEST_F(CgroupLocationTest, MountOfPartShowsOverlongPath) {
@@ -364,6 +426,12 @@ TEST_F(CgroupLocationTest, RemovedGroupBeginsAtItsParent) {
   EXPECT_EQ(Find("0::/c/d (deleted)\n", mount), "none");
 }
 
+TEST_F(CgroupLocationTest, MountPointNamedLikeARemovedGroupHasNoParent) {
+  MakeGroup("/a");
+  tree_.Write("/a/b (deleted)/file", "");
+  EXPECT_EQ(Find("0::/\n", MountV2("/", "/a/b\\040(deleted)")), "none");
+}
+
 TEST_F(CgroupLocationTest, MissingFilesGiveNoGroup) {
   EXPECT_EQ(Find(), "none");
   tree_.WriteGroups("0::/a\n");
@@ -399,6 +467,7 @@ TEST_F(CgroupLocationTest, MalformedFilesGiveNoGroup) {
   MakeGroup("/unified/a");
   MakeGroup("/sys");
   MakeGroup("/sys/a");
+  MakeGroup("/a");
   for (const std::string groups : {"", "\n", "0\n", "0:\n", "0::\n", "0::a\n", "nonsense\n",
                                    "4:memory:\n", "::\n", "0::/cut off"}) {
     EXPECT_EQ(Find(groups, MountV1("/", "/memory") + MountV2("/", "/unified")), "none") << groups;
@@ -406,6 +475,7 @@ TEST_F(CgroupLocationTest, MalformedFilesGiveNoGroup) {
   for (const std::string mounts :
        {"", "\n", " - \n", " - cgroup2\n", "30 - cgroup2 c rw\n", "\\\n", "cgroup2\n",
         "30 23 0:26 / relative rw - cgroup2 c rw\n", "30 23 0:26 relative /sys rw - cgroup2 c rw\n",
+        "30 23 0:26  /sys rw - cgroup2 c rw\n", "30 23 0:26 /  rw - cgroup2 c rw\n",
         "30 23 0:26 / /sys rw - cgroup2 cut off"}) {
     EXPECT_EQ(Find("0::/a\n", mounts), "none") << mounts;
   }

@@ -8,6 +8,7 @@
 #include <sys/vfs.h>
 
 #include <cstdarg>
+#include <string_view>
 
 extern "C" long syscall(long number, ...) noexcept;
 
@@ -61,7 +62,8 @@ ssize_t readlink(const char* path, char* buffer, std::size_t size) noexcept {
     return syscall(SYS_readlink, path, buffer, size);
   }
   const std::size_t count = FakedFiles().link_target.copy(buffer, size);
-  return FakedFiles().readlink_fails ? -1 : static_cast<ssize_t>(count);
+  const bool exists = path == std::string_view("/proc/thread-self/ns/cgroup");
+  return exists && !FakedFiles().readlink_fails ? static_cast<ssize_t>(count) : -1;
 }
 
 int fstat(int file, struct stat* status) noexcept {

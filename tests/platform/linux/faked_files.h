@@ -12,7 +12,7 @@ struct FilesFake {
   std::string root;         // absolute paths are opened below it
   long file_system = 0;     // of every open file
   ino_t inode = 0;          // of every open file
-  std::string link_target;  // of every link
+  std::string link_target;  // of /proc/thread-self/ns/cgroup, the only link
   bool fstatfs_fails = false;
   bool fstat_fails = false;
   bool readlink_fails = false;
