@@ -96,7 +96,7 @@ void DescribeCard(Section& section, const Card& card) {
     AddAdvice(section, "no kernel driver is bound to " + SlotText(card) + ": load amdgpu");
   }
   if (card.vram_total || card.gtt_total) {
-    section.seen.push_back("  kernel, VRAM (mem_info_vram_*): " + Figure(card.vram_total) +
+    section.seen.push_back("  kernel, VRAM (" + card.vram_source + "): " + Figure(card.vram_total) +
                            " in total, " + Figure(card.vram_used) + " used");
   }
   if (card.gtt_total) {

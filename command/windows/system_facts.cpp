@@ -70,6 +70,7 @@ std::vector<Card> ReadCards(const std::string& /*root*/) {
       card.name = ToUtf8(TextValue(adapters, name.data(), L"DriverDesc").c_str());
       card.driver = ToUtf8(TextValue(adapters, name.data(), L"DriverVersion").c_str());
       card.vram_total = MemoryValue(adapters, name.data());
+      card.vram_source = "HardwareInformation.qwMemorySize";
       cards.push_back(card);
     }
   }

@@ -163,6 +163,13 @@ TEST(ExplanationTest, FiguresOfKernelAndHipStandNextToEachOther) {
             "    HIP: device 0, GPU, 7.98 GiB in total, 3.99 GiB free\n");
 }
 
+TEST(ExplanationTest, FiguresOfVramNameTheirSource) {
+  Card card = DiscreteCard();
+  card.vram_source = "HardwareInformation.qwMemorySize";
+  EXPECT_TRUE(Contains(SectionText(command::ExplainCards(Seen({card}, {}))),
+                       "    kernel, VRAM (HardwareInformation.qwMemorySize): 7.98 GiB in total"));
+}
+
 TEST(ExplanationTest, FiguresThatTheKernelLacksAreSaidToBe) {
   Card card = DiscreteCard();
   card.gtt_total = card.gtt_used = card.vram_used = std::nullopt;

@@ -125,6 +125,7 @@ TEST_F(WindowsSystemFactsTest, AdaptersOfAmdAreCards) {
   EXPECT_EQ(cards[0].driver, "31.0.24002.92");
   EXPECT_EQ(cards[0].vram_total, 8 * kGiB);
   EXPECT_EQ(cards[0].vram_used, std::nullopt);
+  EXPECT_EQ(cards[0].vram_source, "HardwareInformation.qwMemorySize");
   EXPECT_EQ(cards[1].name, "AMD Radeon\xE2\x84\xA2 780M");
   EXPECT_EQ(cards[1].driver, "");
   EXPECT_EQ(cards[1].vram_total, std::nullopt);
