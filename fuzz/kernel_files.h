@@ -9,7 +9,7 @@ namespace kestrel::fuzz {
 struct KernelFiles {
   std::string root;
   std::string self;     // the target of the link /proc/self
-  int clock_error = 0;  // of asking for the CPU clock of a process; else it is that of this one
+  int clock_error = 0;  // of asking for the CPU clock of a process, which is that of this one
 
   explicit KernelFiles(std::string directory);
   KernelFiles(const KernelFiles&) = delete;

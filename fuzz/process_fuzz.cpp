@@ -1,5 +1,5 @@
-// The memory and the existence of a process from the kernel's files, against a reference. The
-// input's first line is the pid, or "self", the error of asking for its clock, and the target of
+// The memory and the times of a process from the kernel's files, against a reference. The input's
+// first line is the pid, or "self", the error of asking for its clock, and the target of
 // /proc/self; the rest describes a tree of files (made_up_tree.h).
 
 #include <dirent.h>
@@ -77,9 +77,6 @@ std::optional<std::uint64_t> PagesOfThreads(const MadeUpTree& tree, const std::s
 // Whether the kernel has a process of that pid, and the files are those of this process's kernel.
 bool IsFound(const MadeUpTree& tree, const Description& process) {
   constexpr std::size_t kStatusCapacity = 512;
-  if (!tree.Read(process.directory + "/statm").exists) {
-    return false;
-  }
   if (process.is_own) {
     return true;
   }
@@ -93,6 +90,32 @@ bool IsFound(const MadeUpTree& tree, const Description& process) {
   return is_process && self == static_cast<std::uint64_t>(getpid());
 }
 
+void CheckMemory(const MadeUpTree& tree, const Description& description) {
+  const auto process = Process::Open(description.pid, ProcessRights::kMemory);
+  const auto statm = tree.Read(description.directory + "/statm");
+  Require(process.has_value() == (statm.exists && IsFound(tree, description)),
+          "a process is found as by the reference");
+  if (!process) {
+    return;
+  }
+  const auto own = PagesOf(statm.text);
+  const auto pages = own == 0U ? PagesOfThreads(tree, description.directory) : own;
+  const auto page_size = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+  Require(process->ResidentBytes() == (pages ? std::optional(*pages * page_size) : std::nullopt),
+          "the memory is that of the reference");
+}
+
+// A clock has the times; the file only shows that the process exists.
+void CheckTimes(const MadeUpTree& tree, const Description& description) {
+  const auto process = Process::Open(description.pid, ProcessRights::kTimes);
+  const auto file = tree.Read(description.directory + "/oom_score_adj");
+  Require(
+      process.has_value() == (description.is_own || (file.exists && IsFound(tree, description))),
+      "a process is found for its times as by the reference");
+  Require(!process || process->Times().has_value() == (description.is_own || file.text),
+          "the times are read of a process that exists");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -103,19 +126,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   files.self = description.self;
   files.clock_error = description.clock_error;
 
-  const auto process = Process::Open(description.pid, ProcessRights::kMemory);
-  Require(process.has_value() == IsFound(tree, description),
-          "a process is found as by the reference");
-  if (!process) {
-    return 0;
-  }
-  const auto own = PagesOf(tree.Read(description.directory + "/statm").text);
-  const auto pages = own == 0U ? PagesOfThreads(tree, description.directory) : own;
-  const auto page_size = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
-  Require(process->ResidentBytes() == (pages ? std::optional(*pages * page_size) : std::nullopt),
-          "the memory is that of the reference");
-  Require(process->Times().has_value() == (own && description.clock_error == 0),
-          "the times are read of a process that exists");
+  CheckMemory(tree, description);
+  CheckTimes(tree, description);
   return 0;
 }
 
