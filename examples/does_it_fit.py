@@ -6,7 +6,8 @@ import kestrelcore
 
 MAX_GIB = 1_000_000_000  # in bytes less than 2**63
 
-gib = int(sys.argv[1]) if len(sys.argv) > 1 else 8
+text = sys.argv[1] if len(sys.argv) > 1 else "8"
+gib = int(text) if text.isdecimal() else 0
 if not 1 <= gib <= MAX_GIB:
     print(f"GIB must be a number from 1 to {MAX_GIB}.", file=sys.stderr)
     sys.exit(2)
