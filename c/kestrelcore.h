@@ -80,7 +80,7 @@ enum {
   KESTREL_NO_DEVICES = 6,
   /// The GPU runtime failed to answer a query about a device.
   KESTREL_DEVICE_QUERY_FAILED = 7,
-  /// There is no such process, the caller may not query it, or it ended during the call.
+  /// There is no such process, it ended during the call, or its figures could not be read.
   KESTREL_PROCESS_QUERY_FAILED = 8,
   /// The operating system did not report its memory figures.
   KESTREL_MEMORY_QUERY_FAILED = 9,

@@ -60,7 +60,7 @@ class DeviceQueryError(KestrelError):
 
 
 class ProcessError(KestrelError):
-    """There is no such process, it may not be queried, or it ended during the call."""
+    """There is no such process, it ended during the call, or its figures could not be read."""
 
 
 class MemoryQueryError(KestrelError):
