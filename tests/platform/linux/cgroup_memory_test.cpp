@@ -1,6 +1,7 @@
 #include "platform/linux/cgroup_memory.h"
 
 #include <gtest/gtest.h>
+#include <linux/magic.h>
 #include <sys/mount.h>
 #include <unistd.h>
 
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "tests/platform/linux/child_process.h"
+#include "tests/platform/linux/faked_files.h"
 #include "tests/platform/linux/machine_tree.h"
 
 namespace kestrel::tests {
@@ -328,6 +330,13 @@ TEST_F(CgroupMemoryV1Test, LargestLimitGivesNoLimit) {
   }
 }
 
+TEST_F(CgroupMemoryV1Test, LimitBelow2To62IsALimit) {
+  WriteGroup("/a/b", "4611686018427387903", "3");  // 2^62 - 1
+  EXPECT_EQ(Read().physical, 4611686018427387900U);
+  WriteGroup("/a/b", "4611686018427387904", "3");
+  EXPECT_EQ(Read().physical, kUnlimited);
+}
+
 TEST_F(CgroupMemoryV1Test, StatisticsThatIncludeChildrenAreUsed) {
   WriteGroup("/a/b", "1000", "900");
   Write("/a/b", "stat",
@@ -438,6 +447,32 @@ TEST_F(CgroupMemoryV1Test, AncestorIsReadInFullOnlyIfItMayBeTheTightest) {
     EXPECT_TRUE(reads(file, "1100", "1201")) << file;
     EXPECT_FALSE(reads(file, "1100", "1200")) << file;
   }
+}
+
+TEST_F(CgroupMemoryV1Test, AncestorWithoutACommonLimitIsNotReadInFullIfItHasMoreRoom) {
+  WriteGroup("/a/b", "1000", "100");
+  WriteGroup("/a", "2000", "1100");
+  tree_.MakeUnreadable("/cg/a/memory.stat");
+  EXPECT_EQ(Read().physical, 900U);
+}
+
+// The whole hierarchy at its usual place.
+TEST(CgroupMemoryAtUsualPlaceTest, GroupHasALimitAndTheRootOfTheHierarchyHasNone) {
+  const MachineTree tree;
+  tree.WriteGroups("0::/a\n");
+  tree.Write("/sys/fs/cgroup/a/cgroup.procs", "");
+  const std::string statistics = "inactive_file 0\nactive_file 0\n";
+  tree.Write("/sys/fs/cgroup/a/memory.max", "1000\n");
+  tree.Write("/sys/fs/cgroup/a/memory.current", "100\n");
+  tree.Write("/sys/fs/cgroup/a/memory.stat", statistics);
+  tree.Write("/sys/fs/cgroup/memory.max", "500\n");
+  tree.Write("/sys/fs/cgroup/memory.current", "100\n");
+  tree.Write("/sys/fs/cgroup/memory.stat", statistics);
+  FakedFiles() = {tree.root(), CGROUP2_SUPER_MAGIC, 1, "cgroup:[4026531835]"};
+  const auto room = ReadCgroupRoom("", /*with_swap=*/false);
+  FakedFiles() = {};
+  ASSERT_TRUE(room);
+  EXPECT_EQ(room->physical, 900U);
 }
 
 class CgroupMemoryNeedsNamespacesTest : public NamespacesTest {};
