@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <system_error>
 
 #include "platform/linux/line_reader.h"
 #include "platform/linux/meminfo.h"
@@ -23,10 +22,9 @@ std::string_view After(std::string_view beginning, std::string_view line) noexce
 // Capability sets are hexadecimal without a prefix.
 bool HasSysAdmin(std::string_view capabilities) noexcept {
   constexpr std::uint64_t kSysAdmin = std::uint64_t{1} << 21;  // CAP_SYS_ADMIN, linux/capability.h
-  std::uint64_t set = 0;
+  std::uint64_t set = 0;  // stays so without a number, and if it does not fit
   const char* const end = capabilities.data() + capabilities.size();
-  const auto parsed = std::from_chars(capabilities.data(), end, set, 16);
-  return parsed.ec == std::errc{} && parsed.ptr == end && (set & kSysAdmin) != 0;
+  return std::from_chars(capabilities.data(), end, set, 16).ptr == end && (set & kSysAdmin) != 0;
 }
 
 // The capability counts in the initial user namespace only. Others have maps of all ids too, so

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/platform/linux/child_process.h"
@@ -18,6 +19,7 @@ namespace kestrel::tests {
 namespace {
 
 using platform::CgroupRoom;
+using platform::PathBuffer;
 using platform::ReadCgroupRoom;
 
 constexpr std::uint64_t kUnlimited = CgroupRoom::kUnlimited;
@@ -390,6 +392,22 @@ TEST_F(CgroupMemoryV1Test, SwappinessIsNotReadWithoutSwap) {
   const auto room = ReadCgroupRoom(tree_.root(), /*with_swap=*/false);
   ASSERT_TRUE(room);
   EXPECT_EQ(room->swappiness, std::nullopt);
+}
+
+TEST_F(CgroupMemoryV1Test, GroupThatLeavesTheLeastMemoryIsNamed) {
+  const auto tightest = [this] {
+    PathBuffer directory;
+    EXPECT_TRUE(ReadCgroupRoom(tree_.root(), /*with_swap=*/false, &directory));
+    const std::string_view path = directory.view();
+    return path.empty() ? "none" : std::string(path.substr((tree_.root() + "/cg").size()));
+  };
+  EXPECT_EQ(tightest(), "none");
+  WriteGroup("/a/b", "1000", "100");
+  EXPECT_EQ(tightest(), "/a/b");
+  WriteGroup("/a", "2000", "1100");  // as much, but further up
+  EXPECT_EQ(tightest(), "/a/b");
+  WriteGroup("/a", "2000", "1101");
+  EXPECT_EQ(tightest(), "/a");
 }
 
 TEST_F(CgroupMemoryV1Test, MalformedFigureGivesNoLimit) {

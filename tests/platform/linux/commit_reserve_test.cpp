@@ -99,6 +99,12 @@ TEST_F(ReadCommitReserveTest, CapabilityInInitialUserNamespaceCounts) {
   EXPECT_EQ(Read(), own.st_ino == 0xEFFFFFFD ? kMebibyte : 9 * kMebibyte);
 }
 
+TEST_F(ReadCommitReserveTest, NamespaceWithoutCapabilityDoesNotCount) {
+  tree_.Write("/proc/thread-self/status", "VmSize:\t 32768 kB\nCapEff:\t0000000000000000\n");
+  tree_.Link("/proc/thread-self/ns/user", "/proc/thread-self/ns/user");
+  EXPECT_EQ(Read(), 9 * kMebibyte);
+}
+
 TEST_F(ReadCommitReserveTest, ReserveThatDoesNotFitInBytesIsTheGreatestThatDoes) {
   tree_.Write("/proc/sys/vm/user_reserve_kbytes", "0\n");
   for (const std::string kibibytes : {"18446744073709551615\n", "18014398509481984\n"}) {

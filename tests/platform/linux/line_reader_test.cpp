@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/linux/path_buffer.h"
 #include "tests/platform/linux/faked_reads.h"
 #include "tests/platform/linux/machine_tree.h"
 
@@ -68,7 +69,12 @@ TEST_F(LineReaderTest, NoLineFollowsTheEnd) {
 
 TEST_F(LineReaderTest, MissingFileHasNoLines) {
   EXPECT_EQ(LinesOf(tree_.root() + "/missing"), Strings());
+}
+
+TEST_F(LineReaderTest, PathThatDoesNotFitHasNoLines) {
   EXPECT_EQ(LinesOf(std::string(5000, '/')), Strings());
+  // The directory fits, and exists.
+  EXPECT_EQ(LinesOf(std::string(platform::PathBuffer::kCapacity - 1, '/')), Strings());
 }
 
 // A loop of symbolic links.
