@@ -100,6 +100,7 @@ TEST(MachineTextTest, StringEndsAtItsClosingQuotes) {
 TEST(MachineTextTest, ValueThatDoesNotEndIsAProblem) {
   const std::string open = "a value is not closed";
   EXPECT_EQ(ProblemOf("a = 0'\xc9\x96'"), "1:6: " + open);
+  EXPECT_EQ(ProblemOf("a = X'\xc9\x96'"), "1:6: " + open);
   EXPECT_EQ(ProblemOf("a = -0.'\xc9\x96'"), "1:8: " + open);
   EXPECT_EQ(ProblemOf("a = 1b=[[\"\xc9\x96\""), "1:7: " + open);
   EXPECT_EQ(ProblemOf("a = == 1"), "1:5: a value is missing");
