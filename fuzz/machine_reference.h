@@ -51,7 +51,7 @@ struct Status {
   std::uint64_t committable = 0;
   std::string group;  // the directory of the memory group that decides; empty if none does
 };
-// As the process's first thread reads it.
+// As the process's main thread reads it.
 std::optional<Status> StatusOf(const MadeUpTree& tree);
 
 }  // namespace kestrel::fuzz

@@ -17,8 +17,8 @@ namespace kestrel::platform {
 
 namespace {
 
-// The kernel charges memory to the group of the process's first thread; in version 1 the calling
-// thread may be in another group. Once the first thread has ended while others run, its group reads
+// The kernel charges memory to the group of the process's main thread; in version 1 the calling
+// thread may be in another group. Once the main thread has ended while others run, its group reads
 // as "/", and reading its mounts and namespaces fails. The calling thread's files still work then.
 constexpr std::string_view kGroupsFile = "/proc/self/cgroup";
 constexpr std::string_view kThreadsGroupsFile = "/proc/thread-self/cgroup";
@@ -84,7 +84,7 @@ bool ReadGroup(std::string_view root, std::string_view groups_file, OwnGroup& ow
   return found;
 }
 
-// The first thread, which reads this itself, has not ended.
+// The main thread, which reads this itself, has not ended.
 bool ReadOwnGroup(std::string_view root, OwnGroup& own, bool& failed) noexcept {
   const bool found = ReadGroup(root, kGroupsFile, own, failed) &&
                      (!own.path.view().empty() || gettid() == getpid());

@@ -91,8 +91,8 @@ std::optional<std::uint64_t> ResidentPagesOfThread(int tasks, const char* thread
   return has_ended ? std::optional<std::uint64_t>(0) : pages;
 }
 
-// Once the first thread of a process has ended, the statm of the process reads as zeros although
-// its other threads share its memory: the first thread with a figure above zero has the process's.
+// Once the main thread of a process has ended, the statm of the process reads as zeros although
+// its other threads share its memory: the first one with a figure above zero has the process's.
 // If all are zero, it is a zombie or a kernel thread, which have no memory.
 std::optional<std::uint64_t> ResidentPagesOfThreads(int pid) noexcept {
   const bool is_own = pid == getpid();

@@ -184,8 +184,8 @@ TEST_F(CgroupLocationTest, MountOfGroupOutsideNamespaceDoesNotShowGroupsInIt) {
   EXPECT_EQ(Find("0::/b\n", MountV2("/../a", "/sys/fs/cgroup")), "none");
 }
 
-// Memory is charged to the first thread's group; version 1 lets other threads be in other groups.
-TEST_F(CgroupLocationTest, GroupOfFirstThreadIsUsed) {
+// Memory is charged to the main thread's group; version 1 lets other threads be in other groups.
+TEST_F(CgroupLocationTest, GroupOfMainThreadIsUsed) {
   MakeGroup("/sys/fs/cgroup/first");
   MakeGroup("/sys/fs/cgroup/other");
   tree_.Write("/proc/self/cgroup", "0::/first\n");
@@ -196,7 +196,7 @@ TEST_F(CgroupLocationTest, GroupOfFirstThreadIsUsed) {
   EXPECT_EQ(found_by_other, "v2 /sys/fs/cgroup|/first");
 }
 
-TEST_F(CgroupLocationTest, GroupOfCallingThreadIsUsedAfterFirstThreadEnded) {
+TEST_F(CgroupLocationTest, GroupOfCallingThreadIsUsedAfterMainThreadEnded) {
   MakeGroup("/sys/fs/cgroup");
   MakeGroup("/sys/fs/cgroup/other");
   tree_.Write("/proc/self/cgroup", "0::/\n");
@@ -206,7 +206,7 @@ TEST_F(CgroupLocationTest, GroupOfCallingThreadIsUsedAfterFirstThreadEnded) {
 }
 
 // While it runs, "/" is its group.
-TEST_F(CgroupLocationTest, GroupOfFirstThreadIsReadOnceIfItCalls) {
+TEST_F(CgroupLocationTest, GroupOfMainThreadIsReadOnceIfItCalls) {
   MakeGroup("/sys/fs/cgroup");
   tree_.Write("/proc/self/cgroup", "0::/\n");
   tree_.MakeUnreadable("/proc/thread-self/cgroup");
@@ -446,7 +446,7 @@ TEST_F(CgroupLocationTest, UnreadableListOfGroupsFails) {
   EXPECT_EQ(Find(), "failed");
 }
 
-TEST_F(CgroupLocationTest, UnreadableListOfFirstThreadFailsThoughTheOtherIsRead) {
+TEST_F(CgroupLocationTest, UnreadableListOfMainThreadFailsThoughTheOtherIsRead) {
   tree_.MakeUnreadable("/proc/self/cgroup");
   tree_.WriteGroups("0::/a\n");
   tree_.WriteMounts(MountV2("/", "/sys/fs/cgroup"));

@@ -98,7 +98,7 @@ void ChildProcess::AwaitEnd() const {
   }
 }
 
-void ChildProcess::AwaitFirstThreadsEnd() const {
+void ChildProcess::AwaitMainThreadsEnd() const {
   const std::string path = "/proc/" + std::to_string(pid_) + "/stat";
   std::string text;
   do {

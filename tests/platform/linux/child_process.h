@@ -20,8 +20,8 @@ class ChildProcess {
 
   // Waits until the whole process has ended. It remains a zombie.
   void AwaitEnd() const;
-  // Waits until its first thread has ended; other threads may go on.
-  void AwaitFirstThreadsEnd() const;
+  // Waits until its main thread has ended; other threads may go on.
+  void AwaitMainThreadsEnd() const;
   void KillAndReap();
 
  private:

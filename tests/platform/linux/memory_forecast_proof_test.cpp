@@ -248,7 +248,7 @@ TEST_F(ForecastProofNeedsRootAndMemoryCgroupTest, ThresholdHoldsNextToSharedMemo
 
 // Not pthread_join, which with glibc 2.43 does not return for a thread that a system call has
 // ended.
-void AwaitFirstThreadsEnd() {
+void AwaitMainThreadsEnd() {
   std::string text;
   do {
     std::ifstream stat("/proc/self/stat");
@@ -256,8 +256,8 @@ void AwaitFirstThreadsEnd() {
   } while (text.find(") Z ") == std::string::npos);
 }
 
-// The first thread's files in "/proc" no longer name the group then.
-TEST_F(ForecastProofNeedsRootAndMemoryCgroupTest, LimitHoldsAfterFirstThreadEnded) {
+// The main thread's files in "/proc" no longer name the group then.
+TEST_F(ForecastProofNeedsRootAndMemoryCgroupTest, LimitHoldsAfterMainThreadEnded) {
   ControlGroup group(hierarchy_, hierarchy_.top, NewName());
   group.Limit(kLimit);
   const pid_t child = fork();
@@ -266,7 +266,7 @@ TEST_F(ForecastProofNeedsRootAndMemoryCgroupTest, LimitHoldsAfterFirstThreadEnde
       _exit(kNotSetUp);
     }
     std::thread([] {
-      AwaitFirstThreadsEnd();
+      AwaitMainThreadsEnd();
       _exit(FindThreshold() <= kLimit ? 0 : 1);
     }).detach();
     syscall(SYS_exit, 0);  // ends this thread alone; pthread_exit would unwind through the test

@@ -147,24 +147,24 @@ TEST_F(LinuxProcessNeedsNamespacesTest, HandleOfReusedPidReturnsNoFigures) {
   EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
-// Ends the first thread; another one goes on and holds the memory.
-void LiveWithoutFirstThread() {
+// Ends the main thread; another one goes on and holds the memory.
+void LiveWithoutMainThread() {
   static std::vector<char> memory(32U << 20, 'x');
   std::thread([] { Idle(); }).detach();
   syscall(SYS_exit, 0);  // pthread_exit would unwind through the test program's own handlers
 }
 
-TEST(LinuxProcessTest, ProcessWithoutFirstThreadIsMeasuredInFull) {
-  const ChildProcess child(LiveWithoutFirstThread);
-  child.AwaitFirstThreadsEnd();
+TEST(LinuxProcessTest, ProcessWithoutMainThreadIsMeasuredInFull) {
+  const ChildProcess child(LiveWithoutMainThread);
+  child.AwaitMainThreadsEnd();
   EXPECT_TRUE(TimesOf(child.pid()));
   EXPECT_GE(ResidentBytesOf(child.pid()).value_or(0), 32U << 20);
 }
 
 // Its threads are read one by one; that needs two more descriptors.
 TEST(LinuxProcessTest, ProcessWhoseThreadsCannotBeOpenedReturnsNoFigure) {
-  const ChildProcess child(LiveWithoutFirstThread);
-  child.AwaitFirstThreadsEnd();
+  const ChildProcess child(LiveWithoutMainThread);
+  child.AwaitMainThreadsEnd();
   for (const unsigned left : {1U, 2U}) {
     const auto outcome = RunApart([&child, left] {
       LeaveDescriptors(left);
@@ -177,7 +177,7 @@ TEST(LinuxProcessTest, ProcessWhoseThreadsCannotBeOpenedReturnsNoFigure) {
   }
 }
 
-TEST(LinuxProcessTest, ProcessWithItsFirstThreadNeedsNoMoreDescriptors) {
+TEST(LinuxProcessTest, ProcessWithItsMainThreadNeedsNoMoreDescriptors) {
   const auto outcome = RunApart([] {
     LeaveDescriptors(1);
     const auto process = Process::Open(getppid(), ProcessRights::kMemory);
@@ -204,8 +204,8 @@ Outcome ReadMemoryWhileThreadsFailWith(int error, pid_t pid,
 }
 
 TEST(LinuxProcessTest, ProcessWhoseThreadsCannotBeReadReturnsNoFigure) {
-  const ChildProcess child(LiveWithoutFirstThread);
-  child.AwaitFirstThreadsEnd();
+  const ChildProcess child(LiveWithoutMainThread);
+  child.AwaitMainThreadsEnd();
   for (const int error : {EIO, ENOMEM}) {
     const Outcome outcome = ReadMemoryWhileThreadsFailWith(error, child.pid(), std::nullopt);
     EXPECT_TRUE(outcome.ran) << error << ": " << outcome.diagnostics;
@@ -213,8 +213,8 @@ TEST(LinuxProcessTest, ProcessWhoseThreadsCannotBeReadReturnsNoFigure) {
 }
 
 TEST(LinuxProcessTest, ThreadsThatEndBeforeTheyAreOpenedHoldNoMemory) {
-  const ChildProcess child(LiveWithoutFirstThread);
-  child.AwaitFirstThreadsEnd();
+  const ChildProcess child(LiveWithoutMainThread);
+  child.AwaitMainThreadsEnd();
   const Outcome outcome = RunApart([&child] {
     const int first = dup(STDERR_FILENO);
     close(first);
@@ -228,8 +228,8 @@ TEST(LinuxProcessTest, ThreadsThatEndBeforeTheyAreOpenedHoldNoMemory) {
 }
 
 TEST(LinuxProcessTest, ThreadsThatEndBeforeTheyAreReadHoldNoMemory) {
-  const ChildProcess child(LiveWithoutFirstThread);
-  child.AwaitFirstThreadsEnd();
+  const ChildProcess child(LiveWithoutMainThread);
+  child.AwaitMainThreadsEnd();
   const Outcome outcome = ReadMemoryWhileThreadsFailWith(ESRCH, child.pid(), 0);
   EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
