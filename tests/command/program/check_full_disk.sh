@@ -22,7 +22,8 @@ errors=$("$kestrel" record /dev/full 2>&1)
 folder=$(mktemp -d)
 trap 'rm -r "$folder"' EXIT
 mkfifo "$folder/pipe"
-exec 3<>"$folder/pipe" 4>"$folder/pipe" 3>&-
+exec 3<>"$folder/pipe"
+exec 4>"$folder/pipe" 3>&-
 "$kestrel" --help >&4 2>/dev/null
 status=$?
 [ "$status" = 74 ] || fail "a closed pipe gives the status $status"
