@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "platform/linux/path_buffer.h"
 #include "platform/linux/text_file.h"
 #include "tests/platform/linux/machine_tree.h"
 
@@ -50,6 +51,9 @@ class OptionalFileTest : public testing::Test {
   bool failed_ = false;
 };
 
+// A path of the root directory, after which no name fits.
+const std::string kLongestDirectory(platform::PathBuffer::kCapacity - 1, '/');
+
 TEST_F(OptionalFileTest, TextIsReadUpToSizeOfBuffer) {
   tree_.Write("/file", "text\n");
   EXPECT_EQ(Text(), "text\n");
@@ -68,6 +72,9 @@ TEST_F(OptionalFileTest, OverlongPathIsNoFailure) {
   const std::string directory(5000, '/');
   EXPECT_EQ(ReadOptionalFile(directory, "/file", buffer.data(), buffer.size(), failed_),
             std::nullopt);
+  EXPECT_EQ(ReadOptionalFile(kLongestDirectory, "/file", buffer.data(), buffer.size(), failed_),
+            std::nullopt);
+  EXPECT_FALSE(FileExists(kLongestDirectory, "/file", failed_));
   EXPECT_FALSE(failed_);
 }
 
@@ -87,6 +94,7 @@ TEST_F(OptionalFileTest, FileThatCannotBeOpenedFails) {
 TEST_F(OptionalFileTest, ExistenceIsReported) {
   EXPECT_FALSE(FileExists(tree_.root(), "/file", failed_));
   tree_.Write("/file", "");
+  errno = EIO;  // as an earlier call may leave it
   EXPECT_TRUE(FileExists(tree_.root(), "/file", failed_));
   EXPECT_FALSE(FileExists(tree_.root() + "/file", "/below", failed_));
   EXPECT_FALSE(FileExists(std::string(5000, '/'), "/file", failed_));

@@ -161,6 +161,21 @@ TEST(LinuxProcessTest, ProcessWithoutMainThreadIsMeasuredInFull) {
   EXPECT_GE(ResidentBytesOf(child.pid()).value_or(0), 32U << 20);
 }
 
+// In a "/proc" of another namespace it is another path than those of other processes.
+TEST(LinuxProcessTest, OwnProcessWithoutMainThreadIsMeasured) {
+  const Outcome outcome = RunApart([] {
+    std::thread([] {
+      std::uint64_t pages = 1;
+      while (pages != 0) {
+        std::ifstream("/proc/self/statm") >> pages;
+      }
+      _exit(ResidentBytesOf(getpid()).value_or(0) > 0 ? 0 : 1);
+    }).detach();
+    syscall(SYS_exit, 0);
+  });
+  EXPECT_TRUE(outcome.ran);
+}
+
 // Its threads are read one by one; that needs two more descriptors.
 TEST(LinuxProcessTest, ProcessWhoseThreadsCannotBeOpenedReturnsNoFigure) {
   const ChildProcess child(LiveWithoutMainThread);
@@ -197,16 +212,18 @@ Outcome ReadMemoryWhileThreadsFailWith(int error, pid_t pid,
     close(first);
     const auto process = Process::Open(pid, ProcessRights::kMemory);
     RefuseCalls(SYS_pread64, error, static_cast<std::uint32_t>(first + 2));
+    errno = ESRCH;  // as an earlier call may leave it
     if (!process || process->ResidentBytes() != expected) {
       throw std::runtime_error("another figure was returned");
     }
   });
 }
 
+// With error 0 the read succeeds, and the text is empty.
 TEST(LinuxProcessTest, ProcessWhoseThreadsCannotBeReadReturnsNoFigure) {
   const ChildProcess child(LiveWithoutMainThread);
   child.AwaitMainThreadsEnd();
-  for (const int error : {EIO, ENOMEM}) {
+  for (const int error : {EIO, ENOMEM, 0}) {
     const Outcome outcome = ReadMemoryWhileThreadsFailWith(error, child.pid(), std::nullopt);
     EXPECT_TRUE(outcome.ran) << error << ": " << outcome.diagnostics;
   }
