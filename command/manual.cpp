@@ -35,7 +35,7 @@ Subcommand Fits() {
           {"Forecasts whether this process could allocate SIZE bytes of memory now, under the "
            "limits of its memory group, and says by how much it fits or fails. The forecast has no "
            "margin and holds for this moment.",
-           "With --vram the free memory of one GPU is asked instead."},
+           "With --vram, SIZE is compared with the free memory of one GPU."},
           {{"SIZE",
             "",
             "SIZE",
@@ -43,7 +43,7 @@ Subcommand Fits() {
             "... PB powers of 1000",
             {},
             ""}},
-          {{"--vram", "", "", "Ask the free memory of a GPU", {}, ""},
+          {{"--vram", "", "", "Compare with the free memory of a GPU", {}, ""},
            {"--device", "", "N", "The HIP number of that GPU", {}, "0"},
            kHelp},
           "kestrel fits 24GiB && ./load-model",
@@ -96,7 +96,7 @@ Subcommand Record() {
           {{"FILE", "", "FILE", "The file to write; standard output if it is not given", {}, ""}},
           {kHelp},
           "kestrel record server.toml",
-          "Take this server's GPUs along"};
+          "Record this server's GPUs, to simulate them elsewhere"};
 }
 
 }  // namespace
