@@ -232,8 +232,9 @@ kestrel_status kestrel_gpu_memory(int32_t device, uint64_t* free_bytes, uint64_t
 /// \name Both surveys
 /// @{
 
-/// Surveys the GPUs and then the processor, whatever became of the GPUs, as `kestrel_survey_gpus`
-/// and `kestrel_survey_cpu` do; `gpu_result` and `cpu_result` receive what each of them reports.
+/// Surveys the GPUs and then the processor, also if the first survey fails, as
+/// `kestrel_survey_gpus` and `kestrel_survey_cpu` do; `gpu_result` and `cpu_result` receive what
+/// each of them reports.
 ///
 /// Returns `KESTREL_OK` if both succeeded, otherwise the status of the first that failed. Neither
 /// runs if a pointer or record of either is not valid.

@@ -51,7 +51,7 @@ Part ToPart(kestrel_status status, const kestrel_result& result);
 
 MachineSurvey SurveyMachine();
 
-// Whether each part could be read. That there is no GPU is no failure.
+// Whether each part could be read. A machine without GPUs is complete.
 bool IsComplete(const MachineSurvey& survey);
 
 // Whether the number of GPUs is known. Without a runtime it is 0.

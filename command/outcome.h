@@ -6,7 +6,7 @@
 
 namespace kestrel::command {
 
-// What a subcommand leaves to its caller.
+// What a subcommand returns.
 struct Outcome {
   int status = kSuccess;
   std::string output;  // for standard output

@@ -17,7 +17,7 @@ namespace kestrel::command {
 
 namespace {
 
-// Runs a request of each kind. What writes little leaves it to the caller.
+// Runs a request of each kind. Those that write only once return their output.
 struct Runner {
   const Writer& write;
 

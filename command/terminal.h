@@ -22,7 +22,7 @@ bool IsTerminal();
 // Whether the terminal shows UTF-8. On Windows, a LiveTerminal makes it do so.
 bool ShowsUnicode();
 
-// 80 columns and 24 rows if the terminal does not say.
+// 80 columns and 24 rows if the terminal does not report its size.
 ScreenSize TerminalSize();
 
 // Whether Ctrl-Z was pressed while a LiveTerminal existed. Never on Windows.

@@ -31,7 +31,7 @@ struct Sample {
   std::vector<ProcessSample> processes;
 };
 
-// Measures the memory and the resident bytes of each running process, and leaves their share.
+// Measures the memory and the resident bytes of each running process. Does not change their shares.
 void MeasureMemory(Sample& sample);
 
 // "12.5 %"
