@@ -27,6 +27,15 @@ TEST(TextTest, TextOfAnErrorIsItsReason) {
   EXPECT_STREQ(reason.data(), "Module not found \xE2\x82\xAC.");
 }
 
+// FormatMessageW gives a blank in the place of the line break at the end.
+TEST(TextTest, ReasonHasNoBlankAtItsEnd) {
+  ReasonText reason;
+  SetReason(126, L"Module not found. ", reason);
+  EXPECT_STREQ(reason.data(), "Module not found.");
+  SetReason(126, L" ", reason);
+  EXPECT_STREQ(reason.data(), "");
+}
+
 TEST(TextTest, ErrorWithoutTextHasItsNumberForReason) {
   ReasonText reason;
   SetReason(126, nullptr, reason);
