@@ -27,9 +27,12 @@ bool Fails() {
   if (fake.errors.empty()) {
     return false;
   }
-  errno = fake.errors.front();
+  const int error = fake.errors.front();
   fake.errors.erase(fake.errors.begin());
-  return true;
+  if (error != 0) {
+    errno = error;
+  }
+  return error != 0;
 }
 
 std::size_t Shortened(std::size_t size) {

@@ -1,7 +1,8 @@
 #include "tests/platform/linux/interrupted_open.h"
 
-// Without <fcntl.h>: its openat is inline where the C library checks arguments, and could then not
-// be defined here.
+// Without <fcntl.h>: its functions are inline where the C library checks arguments, and could then
+// not be defined here.
+#include <linux/fcntl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -19,8 +20,10 @@ void InterruptOpens(int count) { interruptions_left = count; }
 
 }  // namespace kestrel::tests
 
-// The program's own definition comes before that of the C library.
-extern "C" int openat(int directory, const char* path, int flags, ...) {
+// The program's own definitions come before those of the C library.
+extern "C" {
+
+int openat(int directory, const char* path, int flags, ...) {
   if (kestrel::tests::interruptions_left > 0) {
     --kestrel::tests::interruptions_left;
     errno = EINTR;
@@ -28,3 +31,7 @@ extern "C" int openat(int directory, const char* path, int flags, ...) {
   }
   return static_cast<int>(syscall(SYS_openat, directory, path, flags, 0));
 }
+
+int open(const char* path, int flags, ...) { return openat(AT_FDCWD, path, flags); }
+
+}  // extern "C"

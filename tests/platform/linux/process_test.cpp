@@ -21,6 +21,7 @@
 #include "platform/platform.h"
 #include "tests/platform/linux/child_process.h"
 #include "tests/platform/linux/fake_time.h"
+#include "tests/platform/linux/faked_reads.h"
 #include "tests/platform/linux/refused_calls.h"
 
 namespace kestrel::tests {
@@ -111,6 +112,19 @@ TEST(LinuxProcessTest, ProcessReapedWhileOpenReturnsNoFigures) {
   child.KillAndReap();
   EXPECT_FALSE(times->Times());
   EXPECT_FALSE(memory->ResidentBytes());
+}
+
+// Its own statm is read, that of its only thread, and its own again.
+TEST(LinuxProcessTest, ProcessReapedWhileItsThreadsAreReadReturnsNoFigure) {
+  const ChildProcess child([] {});
+  child.AwaitEnd();
+  const auto process = Process::Open(child.pid(), ProcessRights::kMemory);
+  ASSERT_TRUE(process);
+  FakedReads() = {};
+  FakedReads().errors = {0, 0, ESRCH};
+  const auto bytes = process->ResidentBytes();
+  FakedReads() = {};
+  EXPECT_EQ(bytes, std::nullopt);
 }
 
 TEST(LinuxProcessTest, ProcessEndedWhileOpenKeepsItsTimesUntilReaped) {

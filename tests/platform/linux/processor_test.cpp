@@ -118,6 +118,11 @@ TEST_F(LinuxProcessorNeedsNamespacesTest, ProcessorsOfProcStatAreCounted) {
   EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
+TEST_F(LinuxProcessorNeedsNamespacesTest, OneProcessorOfProcStatIsCounted) {
+  const Outcome outcome = CountInProcStat("cpu  3 2\ncpu0 3 2\nintr 1 2\n", 1);
+  EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
+}
+
 TEST_F(LinuxProcessorNeedsNamespacesTest, ProcStatWithoutLineAfterTheProcessorsHasNoCount) {
   const Outcome outcome = CountInProcStat("cpu  3 2\ncpu0 1 1\n", std::nullopt);
   EXPECT_TRUE(outcome.ran) << outcome.diagnostics;

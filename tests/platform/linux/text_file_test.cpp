@@ -65,7 +65,7 @@ TEST_F(TextFileTest, InterruptionOfEarlierCallDoesNotRepeatTheRead) {
 
 TEST_F(TextFileTest, TextThatComesInPiecesIsReadToItsEnd) {
   std::array<char, 16> buffer;
-  for (const std::size_t piece : {1, 4, 6}) {
+  for (const std::size_t piece : {1, 2, 4, 6}) {
     FakedReads().most = piece;
     EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "a text") << piece;
     EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), 3), "a t") << piece;
@@ -90,6 +90,19 @@ TEST_F(TextFileTest, InterruptedReadIsRepeated) {
   std::array<char, 16> buffer;
   FakedReads().errors = {EINTR, EINTR};
   EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "a text");
+}
+
+// What precedes the buffer is not the end of a line of the text.
+TEST_F(TextFileTest, InterruptedReadIsRepeatedBehindANewline) {
+  std::array<char, 17> buffer{'\n'};
+  FakedReads().errors = {EINTR};
+  EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data() + 1, buffer.size() - 1), "a text");
+}
+
+TEST_F(TextFileTest, FullBufferIsNotReadInto) {
+  std::array<char, 3> buffer;
+  EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "a t");
+  EXPECT_EQ(FakedReads().calls, 1);
 }
 
 TEST_F(TextFileTest, ReadThatFailsIsNotRepeated) {
@@ -146,6 +159,13 @@ TEST_F(TextFileTest, OnlyDirectoriesOpenAsDirectories) {
   EXPECT_EQ(fcntl(directory.get(), F_GETFD), FD_CLOEXEC);
   EXPECT_FALSE(FileDescriptor::OfDirectory(path_.c_str()).is_open());
   EXPECT_EQ(errno, ENOTDIR);
+}
+
+TEST_F(TextFileTest, InterruptedOpenOfADirectoryIsRepeated) {
+  InterruptOpens(2);
+  EXPECT_TRUE(FileDescriptor::OfDirectory("/").is_open());
+  errno = EINTR;
+  EXPECT_TRUE(FileDescriptor::OfDirectory("/").is_open());
 }
 
 TEST(FindLineTest, RestOfFirstMatchingLineIsReturned) {
