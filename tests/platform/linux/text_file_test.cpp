@@ -84,6 +84,18 @@ TEST_F(TextFileTest, LaterPieceThatEndsALineDoesNotStopTheRead) {
   std::array<char, 16> buffer;
   FakedReads().most = 2;
   EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "one\ntwo\nthree");
+  std::ofstream(path_) << "1\n234";
+  FakedReads() = {};
+  FakedReads().most = 3;
+  EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "1\n234");
+  EXPECT_EQ(FakedReads().calls, 3);  // the last one finds the end
+}
+
+TEST_F(TextFileTest, EmptyLineIsAWholeText) {
+  std::ofstream(path_) << "\n";
+  std::array<char, 16> buffer;
+  EXPECT_EQ(ReadTextFile(path_.c_str(), buffer.data(), buffer.size()), "\n");
+  EXPECT_EQ(FakedReads().calls, 1);
 }
 
 TEST_F(TextFileTest, InterruptedReadIsRepeated) {
