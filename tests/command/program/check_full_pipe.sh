@@ -24,8 +24,9 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 mkfifo "$folder/pipe"
 exec 3<>"$folder/pipe"
-full=65536 # bytes: what a pipe of Linux holds
-head -c "$full" /dev/zero >&3
+# In bytes: what the pipe holds, which is less for a user who has many.
+full=$(LC_ALL=C dd if=/dev/zero of="$folder/pipe" oflag=nonblock bs=4096 2>&1 |
+  sed -n 's/ bytes.*//p')
 
 "$1" watch --interval 1ms >&3 &
 watch=$!
