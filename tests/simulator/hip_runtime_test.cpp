@@ -185,6 +185,8 @@ TEST_F(HipRuntimeTest, LongNameIsCutToTheCallersBuffer) {
   EXPECT_EQ(hipDeviceGetName(name.data(), 4, 0), hipSuccess);
   EXPECT_STREQ(name.data(), "Rad");
   EXPECT_EQ(name[4], 'x');
+  EXPECT_EQ(hipDeviceGetName(name.data(), 1, 0), hipSuccess);
+  EXPECT_STREQ(name.data(), "");
   EXPECT_EQ(hipDeviceGetName(name.data(), 0, 0), hipErrorInvalidValue);
 }
 
