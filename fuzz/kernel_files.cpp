@@ -1,5 +1,8 @@
 #include "fuzz/kernel_files.h"
 
+// Without <fcntl.h>: its openat is inline where the C library checks arguments, and could then not
+// be defined here.
+#include <linux/fcntl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -33,7 +36,7 @@ KernelFiles::~KernelFiles() { made_up = nullptr; }
 extern "C" int openat(int directory, const char* path, int flags, ...) {
   std::va_list arguments;
   va_start(arguments, flags);
-  const int mode = (flags & 0100) != 0 ? va_arg(arguments, int) : 0;
+  const int mode = (flags & O_CREAT) != 0 ? va_arg(arguments, int) : 0;
   va_end(arguments);
   const bool is_made_up = made_up != nullptr && IsOfKernel(path);
   const std::string real = is_made_up ? made_up->root + path : path;
