@@ -108,7 +108,8 @@ void CheckMemory(const MadeUpTree& tree, const Description& description) {
 // A clock has the times; the file only shows that the process exists.
 void CheckTimes(const MadeUpTree& tree, const Description& description) {
   const auto process = Process::Open(description.pid, ProcessRights::kTimes);
-  const auto file = tree.Read(description.directory + "/oom_score_adj");
+  const auto first = tree.Read(description.directory + "/oom_score_adj");
+  const auto file = first.exists ? first : tree.Read(description.directory + "/statm");
   Require(
       process.has_value() == (description.is_own || (file.exists && IsFound(tree, description))),
       "a process is found for its times as by the reference");

@@ -21,7 +21,7 @@ namespace kestrel::platform {
 // fail with ESRCH once the process has been reaped, even if its pid has been reused. Opening it
 // checks the permissions that the "/proc" mount requires. For the memory the file is statm, which
 // contains the resident set. The times come from a clock, so any file serves; the kernel opens and
-// reads oom_score_adj in the least time.
+// reads oom_score_adj in the least time. A security module may refuse that file and allow statm.
 //
 // The calling process needs none of these checks: it finds itself as /proc/self in any "/proc", and
 // its clock without a handle. Most hosts measure themselves, and that takes less time.
@@ -133,8 +133,13 @@ std::optional<Process> Process::Open(int pid, ProcessRights rights) noexcept {
   if (is_own && rights == ProcessRights::kTimes) {
     return Process(pid, kNoHandle);
   }
-  const std::string_view name = rights == ProcessRights::kTimes ? "oom_score_adj" : "statm";
-  FileDescriptor file(AT_FDCWD, is_own ? "/proc/self/statm" : PathOf(pid, name).data());
+  FileDescriptor file;
+  if (rights == ProcessRights::kTimes) {
+    file = FileDescriptor(AT_FDCWD, PathOf(pid, "oom_score_adj").data());
+  }
+  if (!file.is_open()) {
+    file = FileDescriptor(AT_FDCWD, is_own ? "/proc/self/statm" : PathOf(pid, "statm").data());
+  }
   if (!file.is_open() || !(is_own || (IsProcess(pid) && ProcIsOfThisNamespace(own_pid)))) {
     return std::nullopt;
   }

@@ -324,6 +324,31 @@ TEST_F(LinuxProcessNeedsNamespacesTest, ProcOfAnotherNamespaceOpensOwnProcessAlo
   EXPECT_TRUE(outcome.ran) << outcome.diagnostics;
 }
 
+// As a security module may do, makes opening fail with EACCES: a device on a mount without devices.
+void ForbidToOpen(const std::string& path) {
+  constexpr unsigned long kWithoutDevices = MS_NODEV | MS_NOSUID | MS_NOEXEC;
+  if (mount("/dev/null", path.c_str(), nullptr, MS_BIND, nullptr) != 0 ||
+      mount(nullptr, path.c_str(), nullptr, MS_REMOUNT | MS_BIND | kWithoutDevices, nullptr) != 0) {
+    throw std::runtime_error("mount " + path);
+  }
+}
+
+TEST_F(LinuxProcessNeedsNamespacesTest, TimesNeedOneFileThatCanBeOpened) {
+  for (const std::string file : {"oom_score_adj", "statm"}) {
+    const auto outcome = RunInOwnNamespaces([&file] {
+      const ChildProcess child(Idle);
+      ForbidToOpen("/proc/" + std::to_string(child.pid()) + "/" + file);
+      if (!TimesOf(child.pid())) {
+        throw std::runtime_error("the times were not read");
+      }
+      if (ResidentBytesOf(child.pid()).has_value() == (file == "statm")) {
+        throw std::runtime_error("the memory is not that of statm");
+      }
+    });
+    EXPECT_TRUE(outcome.ran) << file << ": " << outcome.diagnostics;
+  }
+}
+
 TEST(LinuxProcessTest, OwnTimesNeedNoDescriptor) {
   const auto outcome = RunApart([] {
     LeaveDescriptors(0);
