@@ -129,8 +129,7 @@ const Manual& HarnessManual() {
       {"Runs the chosen tests of the library kestrelcore and prints their reports, once or in "
        "repeated cycles. It is made to look at the library's figures; scripts use kestrel(1).",
        "An unknown option, or a value that is no number, ends it by an uncaught exception "
-       "(SIGABRT). "
-       "The exit status does not show whether the reports could be written."},
+       "(SIGABRT). The exit status does not show whether the reports could be written."},
       {{"--cpu-test", "", "", "CPU test", {}, ""},
        {"--pid", "p", "PID", "Process ID", {}, "-1"},
        {"--split_ms", "s", "MS", "CPU measurement split", {}, "500"},

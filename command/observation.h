@@ -59,7 +59,7 @@ struct Card {
   std::optional<std::uint64_t> vram_used;
   std::optional<std::uint64_t> gtt_total;
   std::optional<std::uint64_t> gtt_used;
-  std::string vram_source = "mem_info_vram_*";  // by which name the system has the VRAM's figures
+  std::string vram_source = "mem_info_vram_*";  // the system's name of the VRAM's figures
 };
 
 struct Observation {

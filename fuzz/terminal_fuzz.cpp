@@ -1,5 +1,5 @@
-// What the environment and the terminal say of themselves, against references. Standard output is a
-// pseudo terminal with the size of the input's first line, "COLUMNS ROWS"; the next lines are TERM,
+// The size and the features of the terminal, against references. Standard output is a pseudo
+// terminal with the size of the input's first line, "COLUMNS ROWS"; the next lines are TERM,
 // LC_ALL, LC_CTYPE and LANG, each not set if the line is missing.
 
 #include <pty.h>

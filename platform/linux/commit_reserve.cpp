@@ -22,7 +22,7 @@ std::string_view After(std::string_view beginning, std::string_view line) noexce
 // Capability sets are hexadecimal without a prefix.
 bool HasSysAdmin(std::string_view capabilities) noexcept {
   constexpr std::uint64_t kSysAdmin = std::uint64_t{1} << 21;  // CAP_SYS_ADMIN, linux/capability.h
-  std::uint64_t set = 0;  // stays so without a number, and if it does not fit
+  std::uint64_t set = 0;  // stays 0 if there is no number, and if it does not fit
   const char* const end = capabilities.data() + capabilities.size();
   return std::from_chars(capabilities.data(), end, set, 16).ptr == end && (set & kSysAdmin) != 0;
 }
