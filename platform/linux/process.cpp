@@ -33,7 +33,7 @@ constexpr std::uint64_t kNanosecondsPerTimeUnit = 100;
 
 using ProcessPath = std::array<char, 32>;
 
-// Not by snprintf, which would take 0.15 of the 6 us in which another process is measured.
+// Without snprintf, which takes 0.15 us longer: the whole of getProcessUsedRAM takes about 6 us.
 ProcessPath PathOf(int pid, std::string_view name) noexcept {
   constexpr std::string_view kProc = "/proc/";
   ProcessPath path{};
