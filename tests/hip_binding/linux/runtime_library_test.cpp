@@ -4,13 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
 namespace kestrel::tests {
 namespace {
 
+namespace fs = std::filesystem;
 using hip_binding::Candidate;
 using hip_binding::CloseLibrary;
 using hip_binding::FindFunction;
@@ -76,6 +76,24 @@ TEST_F(RuntimeLibraryTest, LibraryOfTheProcessIsFoundOnlyAsLongAsItIsOpen) {
   EXPECT_EQ(OpenLibrary(loaded, reason_), nullptr);
 }
 
+// The file may be half written while an upgrade of the runtime goes on.
+TEST_F(RuntimeLibraryTest, LibraryOfTheProcessIsFoundAfterItsFileWasReplacedByOneThatIsCutOff) {
+  const std::string name = "libkestrel-replaced.so";
+  const fs::path file = fs::path(KESTREL_SEARCHED_FOLDER) / name;
+  fs::remove(file);
+  fs::copy_file(kRuntime, file);
+  void* const library = OpenLibrary({Origin::kSearch, name.c_str()}, reason_);
+  ASSERT_NE(library, nullptr) << reason_.data();
+  fs::remove(file);  // the library of the process keeps the content
+  fs::copy_file(kRuntime, file);
+  fs::resize_file(file, 8000);
+  EXPECT_EQ(OpenLibrary({Origin::kLoaded, name.c_str()}, reason_), library) << reason_.data();
+  CloseLibrary(library);
+  CloseLibrary(library);
+  EXPECT_EQ(OpenLibrary({Origin::kSearch, name.c_str()}, reason_), nullptr);
+  EXPECT_EQ(reason_.data(), name + ": the file is cut off");
+}
+
 TEST_F(RuntimeLibraryTest, LibraryThatDoesNotExistFailsWithTheLoadersReason) {
   EXPECT_EQ(OpenLibrary({Origin::kSearch, "libkestrel-none.so"}, reason_), nullptr);
   EXPECT_EQ(std::string(reason_.data()).rfind("libkestrel-none.so", 0), 0U) << reason_.data();
@@ -90,8 +108,8 @@ TEST_F(RuntimeLibraryTest, LibraryWithAFunctionThatNoneHasFailsAtOnce) {
 
 TEST_F(RuntimeLibraryTest, FileThatIsCutOffIsNamed) {
   const std::string file = std::string(kRuntime) + ".cut-off";
-  std::filesystem::copy_file(kRuntime, file, std::filesystem::copy_options::overwrite_existing);
-  std::filesystem::resize_file(file, 8000);
+  fs::copy_file(kRuntime, file, fs::copy_options::overwrite_existing);
+  fs::resize_file(file, 8000);
   EXPECT_EQ(OpenLibrary({Origin::kPath, file.c_str()}, reason_), nullptr);
   EXPECT_EQ(reason_.data(), (file + ": the file is cut off").substr(0, reason_.size() - 1));
 }
