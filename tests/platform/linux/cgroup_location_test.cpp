@@ -305,27 +305,33 @@ TEST_F(CgroupLocationTest, OverlongLineOfOtherMountIsIgnored) {
   EXPECT_EQ(Find("0::/a\n", overlay + MountV2("/", "/late")), "v2 /late|/a");
 }
 
-// Names of 100 bytes.
-std::string LongPath(int names) {
-  std::string path;
-  for (int name = 0; name < names; ++name) {
-    path += "/" + std::string(99, static_cast<char>('a' + name));
-  }
-  return path;
-}
-
-TEST_F(CgroupLocationTest, OverlongPathBeginsAtNearestAncestorThatFits) {
-  const std::string nearest = LongPath(9);
-  MakeGroup("/cg" + nearest);
-  EXPECT_EQ(Find("0::" + LongPath(12) + "\n", MountV2("/", "/cg")), "v2 /cg|" + nearest);
-}
-
 // The longest directory leaves room for the longest name of a file, with its slash and its NUL.
 constexpr std::size_t kLongestDirectory =
     PathBuffer::kCapacity - sizeof("/memory.memsw.limit_in_bytes");
 
+constexpr std::size_t kNameSize = 100;  // of those of LongPath(), with the slash
+
+std::string LongPath(std::size_t names) {
+  std::string path;
+  for (std::size_t name = 0; name < names; ++name) {
+    path += "/" + std::string(kNameSize - 1, static_cast<char>('a' + name));
+  }
+  return path;
+}
+
+// How many names LongPath() may have at most below that directory.
+std::size_t NamesThatFitBelow(const std::string& directory) {
+  return (kLongestDirectory - directory.size()) / kNameSize;
+}
+
+TEST_F(CgroupLocationTest, OverlongPathBeginsAtNearestAncestorThatFits) {
+  const std::string nearest = LongPath(NamesThatFitBelow(tree_.root() + "/cg"));
+  MakeGroup("/cg" + nearest);
+  EXPECT_EQ(Find("0::" + LongPath(12) + "\n", MountV2("/", "/cg")), "v2 /cg|" + nearest);
+}
+
 TEST_F(CgroupLocationTest, LongestPathThatFitsIsThatOfTheGroup) {
-  const std::string ancestor = LongPath(8);
+  const std::string ancestor = LongPath(NamesThatFitBelow(tree_.root() + "/cg") - 1);
   const std::size_t room = kLongestDirectory - (tree_.root() + "/cg" + ancestor + "/").size();
   const std::string longest = ancestor + "/" + std::string(room, 'x');
   MakeGroup("/cg" + longest);
@@ -336,8 +342,9 @@ TEST_F(CgroupLocationTest, LongestPathThatFitsIsThatOfTheGroup) {
 }
 
 TEST_F(CgroupLocationTest, LongestMountPointThatFitsIsUsed) {
-  const std::size_t room = kLongestDirectory - (tree_.root() + LongPath(8) + "/").size();
-  const std::string longest = LongPath(8) + "/" + std::string(room, 'x');
+  const std::string parent = LongPath(NamesThatFitBelow(tree_.root()) - 1);
+  const std::size_t room = kLongestDirectory - (tree_.root() + parent + "/").size();
+  const std::string longest = parent + "/" + std::string(room, 'x');
   MakeGroup(longest + "/a");
   MakeGroup(longest);
   MakeGroup(longest + "x/a");
@@ -347,7 +354,7 @@ TEST_F(CgroupLocationTest, LongestMountPointThatFitsIsUsed) {
 }
 
 TEST_F(CgroupLocationTest, PathBeyondLineBufferBeginsAtAncestor) {
-  const std::string nearest = LongPath(9);
+  const std::string nearest = LongPath(NamesThatFitBelow(tree_.root() + "/cg"));
   MakeGroup("/cg" + nearest);
   EXPECT_EQ(Find("0::" + LongPath(26) + "\n", MountV2("/", "/cg")), "v2 /cg|" + nearest);
 }
