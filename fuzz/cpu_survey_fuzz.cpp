@@ -22,7 +22,7 @@ struct Processor {
 };
 Processor processor;
 
-// Whether it has no flag besides those that are expected, and these.
+// Whether its flags are exactly these.
 bool HasFlags(const system::CpuInfo& info, bool avx, bool avx2) {
   const auto& found = info.supportedInstructionSetExtensions;
   return found.count(CpuInstructionSetExtension::AVX) == (avx ? 1 : 0) &&

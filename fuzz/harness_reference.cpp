@@ -66,7 +66,7 @@ class Reader {
  private:
   void Read(const std::string& argument) {
     if (argument.size() < 2 || argument.front() != '-') {
-      return;  // a word that belongs to no option is no mistake
+      return;  // the harness ignores words that belong to no option
     }
     if (argument[1] != '-') {
       ReadLetters(argument.substr(1));

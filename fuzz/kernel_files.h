@@ -4,12 +4,12 @@
 
 namespace kestrel::fuzz {
 
-// What this thread gets from the kernel as long as it exists: every path below /proc and /sys that
-// is opened leads to the file of that path below `root`, and these answers.
+// As long as it exists, this thread opens the file below `root` for each path below /proc and /sys,
+// and gets these answers from the kernel.
 struct KernelFiles {
   std::string root;
   std::string self;     // the target of the link /proc/self
-  int clock_error = 0;  // of asking for the CPU clock of a process, which is that of this one
+  int clock_error = 0;  // of clock_getcpuclockid; the clock of any process is that of this one
 
   explicit KernelFiles(std::string directory);
   KernelFiles(const KernelFiles&) = delete;

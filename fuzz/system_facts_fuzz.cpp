@@ -68,7 +68,7 @@ const std::set<std::string>& OwnGroups() {
   return kGroups;
 }
 
-// Puts a device file into the tree, and what is to be read of it into the machine.
+// Puts a device file into the tree, and what has to be read from it into the machine.
 void AddDeviceFile(Machine& machine, MadeUpTree& tree, const std::string& line) {
   const std::vector<std::string> words = Split(line, ' ');
   const std::string& path = words[0];
@@ -145,7 +145,7 @@ Machine MachineOf(const std::string& description, MadeUpTree& tree) {
   return machine;
 }
 
-// Before the first and after the last letter of the first word of a file there may be blanks.
+// Returns the first word of a file, without the blanks before it; empty if there is none.
 std::string FirstWord(const Device& device, const std::string& file) {
   const std::string kBlanks = " \t\n\v\f\r";
   const auto found = device.files.find(file);
