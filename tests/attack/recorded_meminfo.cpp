@@ -13,7 +13,7 @@
 extern "C" int openat(int directory, const char* path, int flags, ...) {
   std::va_list arguments;
   va_start(arguments, flags);
-  const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
+  const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
   va_end(arguments);
   const bool is_replaced = std::strcmp(path, "/proc/meminfo") == 0;
   return static_cast<int>(syscall(SYS_openat, directory,
