@@ -68,7 +68,7 @@ class IdleProcess {
   IdleProcess() : pid_(fork()) {
     if (pid_ == 0) {
       prctl(PR_SET_PDEATHSIG, SIGKILL);
-      const std::vector<char> memory(kMemory, 'x');
+      static const std::vector<char> memory(kMemory, 'x');
       raise(SIGSTOP);
       _exit(1);  // never: it is killed
     }

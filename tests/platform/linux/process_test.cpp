@@ -315,7 +315,7 @@ TEST_F(LinuxProcessNeedsNamespacesTest, ProcOfAnotherNamespaceOpensOwnProcessAlo
     if (umount("/proc") != 0 || OpensAs(child.pid())) {
       throw std::runtime_error("a process of another namespace was opened");
     }
-    const std::vector<char> memory(64U << 20, 'x');
+    static const std::vector<char> memory(64U << 20, 'x');
     const auto own = Process::Open(getpid(), ProcessRights::kMemory);
     if (!own || own->ResidentBytes().value_or(0) < memory.size()) {
       throw std::runtime_error("the own process was not measured");
@@ -395,7 +395,8 @@ TEST(LinuxProcessTest, TimesAreInUnitsOf100Nanoseconds) {
 // The clock of a process that has ended stands still.
 TEST(LinuxProcessTest, TimesOfAnotherProcessAreThoseOfItsClock) {
   const ChildProcess child([] {
-    const std::vector<char> memory(64U << 20, 'x');  // takes time of the user and of the kernel
+    static const std::vector<char> memory(64U << 20,
+                                          'x');  // takes time of the user and of the kernel
   });
   child.AwaitEnd();
   clockid_t clock{};
