@@ -60,6 +60,11 @@ TEST(ExplanationTest, ProcessorWithoutAvx2IsNamed) {
             "processor through\n");
 }
 
+TEST(ExplanationTest, RegistersOfOtherInstructionsDoNotMatter) {
+  EXPECT_TRUE(command::CanUseAvx2({true, true, 0x6}));
+  EXPECT_TRUE(command::CanUseAvx2({true, true, 0xE7}));
+}
+
 TEST(ExplanationTest, RegistersThatAreNotSavedAreNamed) {
   for (const auto saved : {std::optional<std::uint64_t>(), std::optional<std::uint64_t>(0x3),
                            std::optional<std::uint64_t>(0x5)}) {
@@ -310,6 +315,14 @@ TEST(ExplanationTest, FiguresWhoseSumExceeds64BitsMatchNoGpuByIt) {
   const Card card = {"card0", "", "amdgpu", kHalf, std::nullopt, kHalf + 1000, std::nullopt};
   EXPECT_EQ(command::MatchCards({card}, {HipGpu(0, "Discrete", 1000), HipGpu(1, "Discrete", 1)}),
             (std::vector<std::size_t>{2}));
+}
+
+TEST(ExplanationTest, GpuWithTheLargestSumOf64BitsMatches) {
+  constexpr std::uint64_t kHalf = std::uint64_t{1} << 63U;
+  const Card card = {"card0", "", "amdgpu", kHalf, std::nullopt, kHalf - 1, std::nullopt};
+  EXPECT_EQ(
+      command::MatchCards({card}, {HipGpu(0, "Discrete", 1), HipGpu(1, "Discrete", UINT64_MAX)}),
+      (std::vector<std::size_t>{1}));
 }
 
 // Neither kernel nor HIP has a figure.
