@@ -395,8 +395,8 @@ TEST(LinuxProcessTest, TimesAreInUnitsOf100Nanoseconds) {
 // The clock of a process that has ended stands still.
 TEST(LinuxProcessTest, TimesOfAnotherProcessAreThoseOfItsClock) {
   const ChildProcess child([] {
-    static const std::vector<char> memory(64U << 20,
-                                          'x');  // takes time of the user and of the kernel
+    // To fill it takes time of the user and of the kernel.
+    static const std::vector<char> memory(64U << 20, 'x');
   });
   child.AwaitEnd();
   clockid_t clock{};
