@@ -11,7 +11,9 @@ from summary import (
     GOALS,
     file_list,
     goal_values,
+    is_missed,
     mean_error,
+    mean_size,
     middle_half,
     missed_goals,
     number,
@@ -81,7 +83,7 @@ def in_code(figure):
 def verdict(value, most):
     if value is None:
         return row("not measured", "")[2:]
-    return row(number(value), "met" if value <= most else "**not met**")[2:]
+    return row(number(value), "**not met**" if is_missed(value, most) else "met")[2:]
 
 
 def aim(most, reference):
@@ -161,8 +163,7 @@ def start_table(programs):
 
 
 def mean_and_largest(errors):
-    sizes = [abs(error) for error in errors]
-    return f"{number(sum(sizes) / len(sizes))} ({number(max(sizes))})"
+    return f"{number(mean_size(errors))} ({number(max(map(abs, errors)))})"
 
 
 def lengths_text(interval, spread):

@@ -56,11 +56,15 @@ def ratio(ways, way, reference):
     return median(ways[way]) / median(ways[reference])
 
 
+def mean_size(errors):
+    return sum(map(abs, errors)) / len(errors)
+
+
 def mean_error(accuracy, duty, interval, method):
     """In points of one processor; None if it was not measured."""
     for entry in accuracy:
         if (entry["duty"], entry["interval"], entry["method"]) == (duty, interval, method):
-            return sum(map(abs, entry["errors"])) / len(entry["errors"])
+            return mean_size(entry["errors"])
     return None
 
 
@@ -78,11 +82,15 @@ def goal_values(data):
     return values | {"accuracy": accuracy_ratio(data["accuracy"])}
 
 
+def is_missed(value, most):
+    return value is not None and value > most
+
+
 def missed_goals(data):
     """The figures whose ratio is larger than their goal's."""
     largest = {figure: most for figure, _, most in GOALS} | {"accuracy": ACCURACY_GOAL[3]}
     values = goal_values(data)
-    return {figure for figure, value in values.items() if value is not None and value > largest[figure]}
+    return {figure for figure, value in values.items() if is_missed(value, largest[figure])}
 
 
 def shortest_interval(accuracy, points):
