@@ -14,7 +14,6 @@ namespace kestrel::tests {
 namespace {
 
 constexpr std::size_t kCapacity = 16;
-constexpr std::uint64_t kSize = std::uint64_t{3} << 29;
 
 // What a call returned and wrote. Bytes that a call left alone are easy to see.
 struct Answer {
@@ -153,14 +152,14 @@ Answer Bytes(Pids /*pids*/) {
 
 auto FailsToAllocate(Pids /*pids*/) {
   return Asked<WillFail>([](WillFail& answer) {
-    return kestrel_will_fail_to_allocate(kSize, &answer.fails, &answer.result);
+    return kestrel_will_fail_to_allocate(kForecastBytes, &answer.fails, &answer.result);
   });
 }
 
 auto ForecastMemory(Pids /*pids*/) {
   return Asked<Forecast>([](Forecast& answer) {
     answer.forecast.struct_size = sizeof(kestrel_forecast);
-    return kestrel_memory_forecast(kSize, &answer.forecast, &answer.result);
+    return kestrel_memory_forecast(kForecastBytes, &answer.forecast, &answer.result);
   });
 }
 

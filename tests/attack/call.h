@@ -6,6 +6,10 @@
 
 namespace kestrel::tests {
 
+// The bytes whose allocation is forecast: more than the memory group of an attack allows, and less
+// than the recorded machine has (machine.py).
+constexpr long long kForecastBytes = 3LL << 29;
+
 // What the meters of processes measure.
 struct Pids {
   int other;  // a process that does nothing

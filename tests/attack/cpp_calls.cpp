@@ -14,8 +14,6 @@ namespace {
 
 using kestrel_utils::MemoryObserver;
 
-constexpr long long kSize = 3LL << 29;
-
 template <typename Number>
 std::string NumberText(Number number) {
   return std::to_string(number);
@@ -68,8 +66,7 @@ auto OwnCpuUsage(Pids pids) { return kestrel_utils::GetCpuUsage(pids.own, 1); }
 auto OwnRam(Pids pids) { return MemoryObserver::getProcessUsedRAM(pids.own); }
 auto PhysicalVram(Pids /*pids*/) { return MemoryObserver::getMachinePhysicalVRAM(); }
 auto AvailableVram(Pids /*pids*/) { return MemoryObserver().getAvailableVRAM(); }
-// More than the memory group of an attack allows, and less than the machine has.
-auto FailsToAllocate(Pids /*pids*/) { return MemoryObserver().willFailToAllocate(kSize); }
+auto FailsToAllocate(Pids /*pids*/) { return MemoryObserver().willFailToAllocate(kForecastBytes); }
 
 }  // namespace
 
