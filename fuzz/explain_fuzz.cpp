@@ -5,6 +5,7 @@
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 
 #include "command/amounts.h"
@@ -77,25 +78,26 @@ std::size_t CountOf(const std::string& text, const std::string& part) {
   return count;
 }
 
+constexpr std::array kMasks = {"ROCR_VISIBLE_DEVICES", "HIP_VISIBLE_DEVICES",
+                               "CUDA_VISIBLE_DEVICES", "GPU_DEVICE_ORDINAL"};
+
 // The section of the masks.
 std::string MaskTextOf(const std::vector<std::optional<std::string>>& values) {
-  const std::vector<std::string> names = {"ROCR_VISIBLE_DEVICES", "HIP_VISIBLE_DEVICES",
-                                          "CUDA_VISIBLE_DEVICES", "GPU_DEVICE_ORDINAL"};
   std::string seen = "Masks in the environment\n";
   std::string advice;
-  for (std::size_t i = 0; i < names.size(); ++i) {
+  for (std::size_t i = 0; i < kMasks.size(); ++i) {
+    const std::string name = kMasks[i];
     seen += WithNewline(
-        names[i] + (values[i] ? "='" + command::PrintableText(*values[i]) + "'" : " is not set"));
+        name + (values[i] ? "='" + command::PrintableText(*values[i]) + "'" : " is not set"));
     const bool hides = values[i] && (i == 0 || !values[i]->empty());
-    advice += hides ? WithNewline("-> " + names[i] + " may hide GPUs: to see all, unset it") : "";
+    advice += hides ? WithNewline("-> " + name + " may hide GPUs: to see all, unset it") : "";
   }
   return seen + advice + "\n";
 }
 
 std::vector<std::optional<std::string>> SetMasks(FuzzedDataProvider& input) {
   std::vector<std::optional<std::string>> values;
-  for (const char* const name : {"ROCR_VISIBLE_DEVICES", "HIP_VISIBLE_DEVICES",
-                                 "CUDA_VISIBLE_DEVICES", "GPU_DEVICE_ORDINAL"}) {
+  for (const char* const name : kMasks) {
     values.push_back(input.ConsumeBool() ? std::optional(TextFrom(input, 32)) : std::nullopt);
     if (values.back()) {
       setenv(name, values.back()->c_str(), 1);
