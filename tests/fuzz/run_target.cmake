@@ -8,7 +8,8 @@ cmake_minimum_required(VERSION 3.25)
 include("${CMAKE_CURRENT_LIST_DIR}/../run_command.cmake")
 
 # The made-up machines are files, which are fastest in memory.
-if(IS_DIRECTORY /dev/shm)
+execute_process(COMMAND test -w /dev/shm RESULT_VARIABLE status)
+if(status EQUAL 0)
   set(ENV{TMPDIR} /dev/shm)
 endif()
 
