@@ -19,7 +19,7 @@ namespace kestrel::tests {
 
 namespace {
 
-constexpr unsigned kTimeoutSeconds = 20;
+constexpr unsigned kTimeoutSeconds = 60;
 constexpr int kMostDescriptors = 256;
 
 // Written by the child, read by its parent. In shared memory, because the system calls that the

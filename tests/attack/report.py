@@ -54,7 +54,8 @@ class Report:
 
 
 def for_each(tasks, work):
-    """Calls work(*task) for each task, on as many threads as there are processors."""
-    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+    """Calls work(*task) for each task on several threads: at most four, since the programs that run at
+    the same time share one memory group, whose figures may move by `outcomes.MOVING` alone."""
+    with concurrent.futures.ThreadPoolExecutor(min(4, os.cpu_count())) as pool:
         for future in [pool.submit(work, *task) for task in tasks]:
             future.result()

@@ -118,7 +118,7 @@ TEST_F(RecordTest, DevicesBeyondTheMostThatAreRecordedAreCountedAndReported) {
   EXPECT_EQ(outcome.error,
             "kestrel record: the HIP runtime counts 1025 GPUs; only the first 1024 are recorded");
   EXPECT_NE(outcome.output, "");
-  const std::string path = testing::TempDir() + "kestrel-record-most-test.toml";
+  const std::string path = "kestrel-record-most-test.toml";
   EXPECT_EQ(command::RunRecord({path}).status, command::kFailure);
   EXPECT_EQ(command::RunRecord({path}).error, outcome.error);
   std::remove(path.c_str());
@@ -168,7 +168,7 @@ TEST_F(RecordTest, StatusThatHasNoNameIsAnUnknownError) {
 }
 
 TEST_F(RecordTest, FileHoldsTheMachine) {
-  const std::string path = testing::TempDir() + "kestrel-record-test.toml";
+  const std::string path = "kestrel-record-test.toml";
   const auto outcome = command::RunRecord({path});
   EXPECT_EQ(outcome.status, command::kSuccess);
   EXPECT_EQ(outcome.output, "");
@@ -180,7 +180,7 @@ TEST_F(RecordTest, FileHoldsTheMachine) {
 }
 
 TEST_F(RecordTest, FileThatCannotBeWrittenIsNamedWithTheReason) {
-  const std::string path = testing::TempDir() + "no-such-folder/machine.toml";
+  const std::string path = "no-such-folder/machine.toml";
   const auto outcome = command::RunRecord({path});
   EXPECT_EQ(outcome.status, command::kOutputFailure);
   EXPECT_EQ(outcome.output, "");

@@ -140,8 +140,8 @@ TEST_F(WatchLiveTest, ProcessThatWasMeasuredOnceHasEndedAfterwards) {
 }
 
 TEST_F(WatchLiveTest, InterruptAfterASampleLeavesItOut) {
-  auto request = Request();
-  request.pids = {4711};
+  command::WatchRequest request;
+  request.interval = std::chrono::milliseconds(0);
   request.json = true;
   Terminal().attend = [](int) { return true; };
   Watch(request);
@@ -155,8 +155,8 @@ TEST_F(WatchLiveTest, TerminalThatIsGoneEndsTheWatch) {
       throw command::OutputError("gone");
     }
   };
-  auto request = Request();
-  request.pids = {4711};
+  command::WatchRequest request;
+  request.interval = std::chrono::milliseconds(0);
   EXPECT_THROW(command::RunWatch(request, write), command::OutputError);
   EXPECT_EQ(Terminal().calls.back(), "no longer live");
 }

@@ -47,8 +47,8 @@ TEST(ThreadsTest, ConcurrentCallsReturnTheirOwnFigures) {
   machine.devices = {{"a", "gfx", 0, 1, 1, 1}, {"b", "gfx", 0, 2, 2, 2}, {"c", "gfx", 0, 3, 3, 3}};
   simulator::Install(machine);
   const int pid = OwnPid();
-  // Wine's GlobalMemoryStatusEx keeps its figures for a second, and returns zeros to the threads
-  // that call it while the first one of the process fills them in.
+  // Wine's GlobalMemoryStatusEx keeps its figures for a second, and returns zeros to threads that
+  // call it while the first call of the process fills them in.
   ASSERT_GT(MemoryObserver::getMachinePhysicalRAM(), 0);
   std::vector<std::thread> threads;
   threads.reserve(kThreads);

@@ -8,26 +8,34 @@ include("${CMAKE_CURRENT_LIST_DIR}/../run_command.cmake")
 
 set(flags /proc/self/personality)
 file(REMOVE_RECURSE "${WORK}")
-foreach(program wine wineserver)
-  set(script "${WORK}/bin/${program}")
-  # `wineserver -k0` asks whether the server is there.
-  file(WRITE "${script}" "#!/bin/sh\ncat ${flags}\ntest \"$1\" != -k0\n")
-  file(CHMOD "${script}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
-endforeach()
 
-# Some containers forbid the setting.
-execute_process(COMMAND setarch -R cat ${flags} OUTPUT_VARIABLE expected RESULT_VARIABLE status
-                ERROR_QUIET)
-if(NOT status EQUAL 0)
-  file(READ ${flags} expected)
-endif()
+function(write_program name commands)
+  file(WRITE "${WORK}/bin/${name}" "#!/bin/sh\n${commands}\n")
+  file(CHMOD "${WORK}/bin/${name}" PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+endfunction()
+
+write_program(wine "cat ${flags}")
+# `wineserver -k0` asks whether the server is there.
+write_program(wineserver "cat ${flags}; test \"$1\" != -k0")
+
+function(check_flags prefix)
+  # Some containers forbid the setting.
+  execute_process(COMMAND setarch -R cat ${flags} OUTPUT_VARIABLE expected RESULT_VARIABLE status
+                  ERROR_QUIET)
+  if(NOT status EQUAL 0)
+    file(READ ${flags} expected)
+  endif()
+  run("${RUN_UNDER_WINE}" "${WORK}/${prefix}" program.exe)
+  if(NOT output STREQUAL expected)
+    message(FATAL_ERROR "The program runs with the flags ${output}instead of ${expected}")
+  endif()
+  file(READ "${WORK}/${prefix}/log" output)
+  if(NOT output STREQUAL "${expected}${expected}${expected}")
+    message(FATAL_ERROR "The server and wineboot run with the flags\n${output}instead of ${expected}")
+  endif()
+endfunction()
 
 set(ENV{PATH} "${WORK}/bin:$ENV{PATH}")
-run("${RUN_UNDER_WINE}" "${WORK}/prefix" program.exe)
-if(NOT output STREQUAL expected)
-  message(FATAL_ERROR "The program runs with the flags ${output}instead of ${expected}")
-endif()
-file(READ "${WORK}/prefix/log" output)
-if(NOT output STREQUAL "${expected}${expected}${expected}")
-  message(FATAL_ERROR "The server and wineboot run with the flags\n${output}instead of ${expected}")
-endif()
+check_flags(prefix)
+write_program(setarch "exit 1")
+check_flags("prefix of a container")
