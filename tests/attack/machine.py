@@ -63,7 +63,7 @@ class MemoryGroup:
         return self
 
     def __exit__(self, *_):
-        for _ in range(3000):  # it stays busy for a moment after its last process has ended
+        for _ in range(3000):  # a minute: it stays busy for a moment after its last process has ended
             try:
                 if self.directory is not None:
                     self.directory.rmdir()
